@@ -1,0 +1,9 @@
+// Les familles de commandes de rqbase ; chacune s'ajoute à l'application.
+#pragma once
+#include "contexte.h"
+
+namespace rqcli {
+
+void AjouteCommandesDate(CLI::App& app, TContexteCli& ctx);
+
+}  // namespace rqcli

@@ -1,0 +1,52 @@
+// Ce que toutes les commandes de rqbase partagent : l'option --json, les
+// réponses imposées (--oui/--non), l'écriture des résultats et la conversion
+// des textes aux bords (arguments UTF-8 -> Windows-1252, sorties -> UTF-8).
+//
+// Une commande signale une erreur en levant rqbase::ERqBase avec le texte
+// français ; main l'écrit sur stderr et sort avec le code 1.
+#pragma once
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "rqbase/platform/progression.h"
+
+namespace rqcli {
+
+using json = nlohmann::json;
+
+struct TContexteCli {
+  bool Json = false;
+  bool Oui = false;
+  bool Non = false;
+};
+
+// Texte d'aide ou d'interface écrit dans nos sources (Windows-1252 à l'exécution) -> UTF-8
+// pour CLI11 et le terminal : toute chaîne passée à CLI11 passe par là.
+std::string U(const std::string& cp1252);
+// Argument de la ligne de commande (UTF-8) -> texte interne (Windows-1252).
+std::string Arg(const std::string& utf8);
+// Texte interne -> valeur JSON (UTF-8).
+json Texte(const std::string& cp1252);
+// Écrit une ligne de texte interne sur la sortie standard, en UTF-8.
+void Ecrit(const std::string& cp1252);
+// Écrit un document JSON, indenté, sur la sortie standard.
+void EcritJson(const json& document);
+
+// Barre de progression sur stderr (muette quand stderr n'est pas un terminal).
+// Ctrl-C lève le drapeau d'abandon de la progression active.
+class TProgressionTerminal : public rqbase::TProgression {
+ public:
+  TProgressionTerminal();
+  ~TProgressionTerminal() override;
+  void Titre(const std::string& titre) override;
+  void Position(long position) override;
+
+ private:
+  void Dessine();
+  std::string TitreCourant;
+  bool Terminal;
+  int DernierPourMille = -1;
+};
+
+}  // namespace rqcli

@@ -1,0 +1,101 @@
+// rqbase : la ligne de commande de la bibliothèque.
+#include <exception>
+#include <iostream>
+
+#include "commandes.h"
+#include "contexte.h"
+#include "dialogue_terminal.h"
+#include "rqbase/platform/cp1252.h"
+#include "rqbase/util/erreur.h"
+
+#ifndef RQ_VERSION
+#define RQ_VERSION "0.0.0"
+#endif
+
+namespace {
+
+// Les libellés de l'aide générée par CLI11, en français.
+void FranciseAide(CLI::App& app) {
+  auto f = app.get_formatter();
+  f->label("Usage", "Utilisation");
+  f->label("OPTIONS", "OPTIONS");
+  f->label("SUBCOMMAND", "COMMANDE");
+  f->label("SUBCOMMANDS", "COMMANDES");
+  f->label("Options", "Options");
+  f->label("Subcommands", "Commandes");
+  f->label("Positionals", "Arguments");
+  f->label("REQUIRED", "OBLIGATOIRE");
+  f->label("TEXT", "TEXTE");
+  f->label("INT", "ENTIER");
+  f->label("FLOAT", "NOMBRE");
+  f->label("UINT", "ENTIER");
+  f->column_width(36);
+}
+
+// Un message d'erreur de CLI11, en français.
+std::string MessageAnalyse(const CLI::ParseError& e) {
+  const std::string detail = e.what();
+  if (dynamic_cast<const CLI::RequiredError*>(&e)) return "argument ou option obligatoire manquant (" + detail + ")";
+  if (dynamic_cast<const CLI::ExtrasError*>(&e)) return "arguments en trop (" + detail + ")";
+  if (dynamic_cast<const CLI::ConversionError*>(&e)) return "valeur invalide (" + detail + ")";
+  if (dynamic_cast<const CLI::ValidationError*>(&e)) return "valeur refusée (" + detail + ")";
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&e)) return "nombre d'arguments incorrect (" + detail + ")";
+  return "ligne de commande incorrecte (" + detail + ")";
+}
+
+// Aide française et groupe "Commandes" à tous les niveaux de sous-commandes.
+void FranciseSousCommandes(CLI::App& parent) {
+  for (auto* sous : parent.get_subcommands({})) {
+    sous->set_help_flag("-h,--aide", rqcli::U("Affiche cette aide et quitte"));
+    sous->fallthrough();
+    sous->group(rqcli::U("Commandes"));
+    FranciseSousCommandes(*sous);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  using namespace rqcli;
+  TContexteCli ctx;
+  CLI::App app{U("rqbase : les dossiers généalogiques en ligne de commande.\n"
+                 "Chaque commande accepte --json pour une sortie lisible par les scripts.")};
+  app.set_help_flag("-h,--aide", U("Affiche cette aide et quitte"));
+  app.set_help_all_flag("--aide-complete", U("Affiche l'aide de toutes les commandes"));
+  app.set_version_flag("--version", std::string("rqbase ") + RQ_VERSION, U("Affiche la version et quitte"));
+  app.add_flag("--json", ctx.Json, U("Sortie JSON (UTF-8)"))->trigger_on_parse();
+  app.add_flag("--oui", ctx.Oui, U("Répond Oui à toute question"));
+  app.add_flag("--non", ctx.Non, U("Répond Non à toute question"));
+  app.require_subcommand(1);
+  app.fallthrough();
+  FranciseAide(app);
+
+  TDialogueTerminal dialogue(ctx);
+  rqbase::InstalleDialogue(&dialogue);
+
+  AjouteCommandesDate(app, ctx);
+
+  FranciseSousCommandes(app);
+
+  int code = 0;
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    code = app.exit(e);
+  } catch (const CLI::CallForAllHelp& e) {
+    code = app.exit(e);
+  } catch (const CLI::CallForVersion& e) {
+    code = app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    std::cerr << "rqbase : " << U(MessageAnalyse(e)) << "\n" << U("rqbase --aide pour l'aide.") << "\n";
+    code = 2;
+  } catch (const rqbase::ERqBase& e) {
+    std::cerr << "rqbase : " << rqbase::VersUtf8(e.what()) << "\n";
+    code = 1;
+  } catch (const std::exception& e) {
+    std::cerr << U("rqbase : erreur inattendue : ") << rqbase::VersUtf8(e.what()) << "\n";
+    code = 1;
+  }
+  rqbase::InstalleDialogue(nullptr);
+  return code;
+}

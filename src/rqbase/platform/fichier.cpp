@@ -1,0 +1,181 @@
+#include "rqbase/platform/fichier.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <mutex>
+
+namespace rqbase {
+namespace {
+
+thread_local int gDerniereErreur = 0;
+std::mutex gVerrouPannes;
+
+int Drapeaux(TFichierBrut::TAcces acces, TFichierBrut::TDisposition disposition, bool immediate) {
+  int f = O_CLOEXEC | (acces == TFichierBrut::TAcces::Lecture ? O_RDONLY : O_RDWR);
+  if (acces == TFichierBrut::TAcces::LectureEcriture) {
+    if (disposition == TFichierBrut::TDisposition::OuvreOuCree) f |= O_CREAT;
+    if (disposition == TFichierBrut::TDisposition::CreeOuRemplace) f |= O_CREAT | O_TRUNC;
+    if (immediate) f |= O_DSYNC;
+  }
+  return f;
+}
+
+}  // namespace
+
+// ---- TPannes -------------------------------------------------------------
+
+void TPannes::EchoueLectureApres(int n, const std::string& fragment) {
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  Lecture = {true, TEffet::Echec, n, fragment};
+  Armee = true;
+}
+void TPannes::EchoueEcritureApres(int n, const std::string& fragment) {
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  Ecriture = {true, TEffet::Echec, n, fragment};
+  Armee = true;
+}
+void TPannes::LectureCourteApres(int n, const std::string& fragment) {
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  Lecture = {true, TEffet::Courte, n, fragment};
+  Armee = true;
+}
+void TPannes::EcritureCourteApres(int n, const std::string& fragment) {
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  Ecriture = {true, TEffet::Courte, n, fragment};
+  Armee = true;
+}
+void TPannes::Raz() {
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  Lecture = {};
+  Ecriture = {};
+  Armee = false;
+}
+
+TPannes::TEffet TPannes::Applique(TRegle& regle, const std::string& chemin) {
+  if (!regle.Active) return TEffet::Aucun;
+  if (!regle.Fragment.empty() && chemin.find(regle.Fragment) == std::string::npos) return TEffet::Aucun;
+  if (regle.Restant > 0) {
+    --regle.Restant;
+    return TEffet::Aucun;
+  }
+  return regle.Effet;
+}
+
+TPannes::TEffet TPannes::AvantLecture(const std::string& chemin) {
+  if (!Armee) return TEffet::Aucun;  // chemin rapide : aucune panne armée
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  return Applique(Lecture, chemin);
+}
+
+TPannes::TEffet TPannes::AvantEcriture(const std::string& chemin) {
+  if (!Armee) return TEffet::Aucun;
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  return Applique(Ecriture, chemin);
+}
+
+// ---- TFichierBrut ----------------------------------------------------------
+
+TPannes& TFichierBrut::Pannes() {
+  static TPannes pannes;
+  return pannes;
+}
+
+int TFichierBrut::DerniereErreur() { return gDerniereErreur; }
+
+TFichierBrut::TFichierBrut(int fd, std::string chemin, TAcces acces, bool immediate)
+    : Fd(fd), CheminFichier(std::move(chemin)), Acces(acces), Immediate(immediate) {}
+
+TFichierBrut::~TFichierBrut() {
+  if (Fd >= 0) ::close(Fd);
+}
+
+std::unique_ptr<TFichierBrut> TFichierBrut::Ouvre(const std::string& chemin, TAcces acces, TDisposition disposition,
+                                                  bool ecritureImmediate) {
+  int fd;
+  do {
+    fd = ::open(chemin.c_str(), Drapeaux(acces, disposition, ecritureImmediate), 0666);
+  } while (fd < 0 && errno == EINTR);
+  if (fd < 0) {
+    gDerniereErreur = errno;
+    return nullptr;
+  }
+  struct stat st {};
+  if (::fstat(fd, &st) == 0 && S_ISDIR(st.st_mode)) {  // un dossier n'est pas un fichier de données
+    ::close(fd);
+    gDerniereErreur = EISDIR;
+    return nullptr;
+  }
+  return std::unique_ptr<TFichierBrut>(new TFichierBrut(fd, chemin, acces, ecritureImmediate));
+}
+
+int64_t TFichierBrut::LitA(int64_t position, void* tampon, size_t taille) {
+  if (position < 0) return -1;
+  const auto effet = Pannes().AvantLecture(CheminFichier);
+  if (effet == TPannes::TEffet::Echec) return -1;
+  if (effet == TPannes::TEffet::Courte) taille /= 2;
+  size_t lu = 0;
+  auto* p = static_cast<char*>(tampon);
+  while (lu < taille) {
+    const ssize_t n = ::pread(Fd, p + lu, taille - lu, position + int64_t(lu));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return -1;
+    if (n == 0) break;  // fin de fichier
+    lu += size_t(n);
+  }
+  return int64_t(lu);
+}
+
+int64_t TFichierBrut::EcritA(int64_t position, const void* tampon, size_t taille) {
+  if (position < 0 || Acces == TAcces::Lecture) return -1;
+  const auto effet = Pannes().AvantEcriture(CheminFichier);
+  if (effet == TPannes::TEffet::Echec) return -1;
+  if (effet == TPannes::TEffet::Courte) taille /= 2;
+  size_t ecrit = 0;
+  const auto* p = static_cast<const char*>(tampon);
+  while (ecrit < taille) {
+    const ssize_t n = ::pwrite(Fd, p + ecrit, taille - ecrit, position + int64_t(ecrit));
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return ecrit ? int64_t(ecrit) : -1;
+    ecrit += size_t(n);
+  }
+  return int64_t(ecrit);
+}
+
+int64_t TFichierBrut::Taille() const {
+  struct stat st {};
+  return ::fstat(Fd, &st) == 0 ? int64_t(st.st_size) : -1;
+}
+
+bool TFichierBrut::Tronque(int64_t taille) {
+  if (Acces == TAcces::Lecture || taille < 0) return false;
+  int r;
+  do {
+    r = ::ftruncate(Fd, taille);
+  } while (r < 0 && errno == EINTR);
+  return r == 0;
+}
+
+bool TFichierBrut::Flush() {
+  if (Acces == TAcces::Lecture) return true;
+  return ::fdatasync(Fd) == 0;
+}
+
+bool TFichierBrut::ChangeEcritureImmediate(bool immediate) {
+  if (immediate == Immediate || Acces == TAcces::Lecture) {
+    Immediate = immediate;
+    return true;
+  }
+  // Linux ne change pas O_DSYNC par fcntl : on rouvre le même fichier.
+  const int fd = ::open(CheminFichier.c_str(), Drapeaux(Acces, TDisposition::Ouvre, immediate));
+  if (fd < 0) return false;
+  if (!immediate) ::fdatasync(Fd);
+  ::close(Fd);
+  Fd = fd;
+  Immediate = immediate;
+  return true;
+}
+
+}  // namespace rqbase

@@ -1,0 +1,90 @@
+// TFichierBrut : un fichier ouvert pour des enregistrements à accès direct.
+//
+// Seul endroit des appels POSIX sur les fichiers de données. Lectures et écritures
+// sont positionnées (pread/pwrite), sans position courante partagée. L'écriture
+// immédiate (O_DSYNC) est le mode normal ; un travail de masse (import, conversion,
+// réparation) la coupe puis appelle Flush() à la fin.
+//
+// TPannes est la couture d'injection de pannes des tests : après un nombre choisi
+// d'opérations réussies, les lectures ou écritures échouent ou reviennent courtes.
+#pragma once
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace rqbase {
+
+class TPannes {
+ public:
+  // Après n opérations réussies du genre donné, chacune des suivantes échoue
+  // (rend -1), ou revient courte (la moitié des octets), jusqu'à Raz().
+  // Un fragment non vide limite la panne aux chemins qui le contiennent.
+  void EchoueLectureApres(int n, const std::string& fragment = "");
+  void EchoueEcritureApres(int n, const std::string& fragment = "");
+  void LectureCourteApres(int n, const std::string& fragment = "");
+  void EcritureCourteApres(int n, const std::string& fragment = "");
+  void Raz();
+
+  enum class TEffet { Aucun, Echec, Courte };
+  // Appelées par TFichierBrut avant chaque opération.
+  TEffet AvantLecture(const std::string& chemin);
+  TEffet AvantEcriture(const std::string& chemin);
+
+ private:
+  struct TRegle {
+    bool Active = false;
+    TEffet Effet = TEffet::Aucun;
+    int Restant = 0;
+    std::string Fragment;
+  };
+  static TEffet Applique(TRegle& regle, const std::string& chemin);
+  TRegle Lecture, Ecriture;
+  std::atomic<bool> Armee{false};
+};
+
+class TFichierBrut {
+ public:
+  enum class TAcces { Lecture, LectureEcriture };
+  enum class TDisposition {
+    Ouvre,           // le fichier doit exister
+    OuvreOuCree,     // créé vide s'il manque
+    CreeOuRemplace,  // toujours vide après l'ouverture
+  };
+
+  // nullptr en cas d'échec ; DerniereErreur() donne alors errno.
+  static std::unique_ptr<TFichierBrut> Ouvre(const std::string& chemin, TAcces acces, TDisposition disposition,
+                                             bool ecritureImmediate = true);
+  static int DerniereErreur();
+
+  ~TFichierBrut();
+  TFichierBrut(const TFichierBrut&) = delete;
+  TFichierBrut& operator=(const TFichierBrut&) = delete;
+
+  // Octets lus (moins que demandé en fin de fichier), ou -1 en cas d'échec.
+  int64_t LitA(int64_t position, void* tampon, size_t taille);
+  // Octets écrits (moins que demandé si le disque refuse la suite), ou -1.
+  int64_t EcritA(int64_t position, const void* tampon, size_t taille);
+  // Taille en octets, ou -1.
+  int64_t Taille() const;
+  bool Tronque(int64_t taille);
+  bool Flush();
+  // Change le mode d'écriture immédiate en rouvrant le descripteur.
+  bool ChangeEcritureImmediate(bool immediate);
+
+  bool EcritureImmediate() const { return Immediate; }
+  bool EnLectureSeule() const { return Acces == TAcces::Lecture; }
+  const std::string& Chemin() const { return CheminFichier; }
+
+  static TPannes& Pannes();
+
+ private:
+  TFichierBrut(int fd, std::string chemin, TAcces acces, bool immediate);
+  int Fd;
+  std::string CheminFichier;
+  TAcces Acces;
+  bool Immediate;
+};
+
+}  // namespace rqbase

@@ -1,0 +1,122 @@
+// TTableTV : table en mémoire d'éléments de taille variable.
+//
+// Les éléments sont sérialisés les uns derrière les autres dans une seule zone de
+// texte ; un index de décalages 32 bits les range. Une table de milliers d'entrées
+// coûte deux allocations, se trie en échangeant des décalages, et s'écrit dans un
+// flux persistant en deux blocs. Les rangs comptent à partir de 0.
+//
+// TEltBaseTV est la base des éléments : Ecrit sérialise l'élément à un pointeur et
+// rend la nouvelle fin ; Lit le relit depuis un pointeur, `taille` étant le nombre
+// d'octets lisibles à partir de là (un élément ne lit jamais au-delà).
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "rqbase/platform/progression.h"
+#include "rqbase/util/flux.h"
+
+namespace rqbase {
+
+class TEltBaseTV {
+ public:
+  virtual ~TEltBaseTV() = default;
+  virtual char* Ecrit(char* p) const = 0;
+  virtual void Lit(const char* p, long taille) = 0;
+  virtual int GetTaille() const = 0;     // octets qu'écrit Ecrit
+  virtual int GetTailleMax() const = 0;  // borne de GetTaille pour tout élément du genre
+  virtual int EltCmp(const TEltBaseTV& autre) const = 0;
+  // Les deux comparaisons plus lâches que rapporte la recherche approchée ;
+  // par défaut, l'égalité de EltCmp.
+  virtual bool EgalPremier(const TEltBaseTV& autre) const { return EltCmp(autre) == 0; }
+  virtual bool EgalApproche(const TEltBaseTV& autre) const { return EltCmp(autre) == 0; }
+
+  bool operator<(const TEltBaseTV& a) const { return EltCmp(a) < 0; }
+  bool operator<=(const TEltBaseTV& a) const { return EltCmp(a) <= 0; }
+  bool operator==(const TEltBaseTV& a) const { return EltCmp(a) == 0; }
+  bool operator!=(const TEltBaseTV& a) const { return EltCmp(a) != 0; }
+
+  long Decalage = 0;  // position de l'élément dans la zone de texte
+
+  // Écriture dans un pointeur qui avance.
+  static void EcritCar(char c, char*& p) { *p++ = c; }
+  static void EcritMemoire(const void* source, size_t n, char*& p);
+  static void EcritChn(const std::string& texte, char*& p);  // les octets puis un zéro
+  // Lecture bornée : au-delà de `fin`, on lit des zéros et un texte s'arrête.
+  static char LitCar(const char*& p, const char* fin);
+  static void LitMemoire(void* destination, size_t n, const char*& p, const char* fin);
+  static std::string LitChn(const char*& p, const char* fin);
+};
+
+class TTableTV {
+ public:
+  // Appelé après un déplacement d'élément dans l'index : (ancien rang, nouveau rang).
+  using TRappel = std::function<void(long ancien, long nouveau)>;
+
+  TTableTV(long initial = 100, long croissance = 50, int tailleMoyenne = 20);
+  explicit TTableTV(const TTableTV* autre);
+  TTableTV(const TTableTV& autre) = default;
+  TTableTV& operator=(const TTableTV& autre) = default;
+
+  void Raz();
+  void CreateTable();
+  long GetNbElt() const { return NbElt; }
+
+  long Ajoute(const TEltBaseTV& elt);
+  long AjouteClasse(const TEltBaseTV& elt, TEltBaseTV& travail, const TRappel& rappel = nullptr);
+  void Insere(long rang, const TEltBaseTV& elt, TEltBaseTV& travail, const TRappel& rappel = nullptr);
+  long ChangeClasse(long rang, const TEltBaseTV& elt, TEltBaseTV& travail, const TRappel& rappel = nullptr);
+  void Change(long rang, const TEltBaseTV& elt, TEltBaseTV& travail);
+  void Supprime(long rang, TEltBaseTV& travail);
+  void Echange(long a, long b);
+  // Fait pointer l'entrée `rang` sur le décalage déjà porté par `elt`.
+  void ChangePtr(long rang, const TEltBaseTV& elt);
+  // false hors des bornes (l'élément n'est pas touché).
+  bool Lit(long rang, TEltBaseTV& elt) const;
+
+  // Rang d'un élément égal, ou -1 ; avec `approche`, le rang de la recherche approchée.
+  long RechercheDicoth(const TEltBaseTV& elt, TEltBaseTV& travail, bool approche = false, long dernier = -1) const;
+  void RechercheDichotomiqueApprochee(long dernier, long& pos, bool* memePremier, TEltBaseTV& travail,
+                                      const TEltBaseTV& elt, TEltBaseTV& travail2, bool* trouve) const;
+
+  void Classement(TEltBaseTV& travail, TEltBaseTV& travail2, TProgression* progression = nullptr);
+  void TriShell(long premier, long dernier, TEltBaseTV& travail, TEltBaseTV& travail2,
+                TProgression* progression = nullptr);
+  // Réécrit la zone de texte sans les trous laissés par Change et Supprime.
+  void ReorganiseTableChn();
+
+  void Sauvegarde(opstream& flux) const;
+  // false (table vide) si le flux est court ou tient des comptes absurdes.
+  bool Restauration(ipstream& flux, int version);
+
+  long TailleUtilisee() const { return Utilise; }
+  long CapaciteIndex() const { return CapIndex; }
+  long CapaciteChn() const { return CapChn; }
+  long PasCroissance() const { return Croissance; }
+
+ private:
+  void AggrandiTableIndex();
+  void AggrandiTableChn(const TEltBaseTV& elt);
+  long Ecrit(const TEltBaseTV& elt);  // sérialise à la fin de la zone, rend le décalage
+  void DeplaceIndex(long de, long vers);
+
+  long Initial;
+  long Croissance;
+  long NbElt = 0;
+  long Utilise = 0;
+  int TailleMoyenne;
+  long CapIndex = 0;
+  std::vector<int32_t> Index;
+  long CapChn = 0;
+  std::vector<char> Chn;
+};
+
+// Pointeurs et références de flux persistant : un octet de présence puis la table.
+void writePtr(opstream& flux, const TTableTV* table);
+void writeRef(opstream& flux, const TTableTV& table);
+// readPtr rend nullptr pour un pointeur absent ou un flux en échec ; l'appelant possède la table.
+TTableTV* readPtr(ipstream& flux, int version);
+bool readRef(ipstream& flux, TTableTV& table, int version);
+
+}  // namespace rqbase
