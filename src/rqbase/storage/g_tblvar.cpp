@@ -131,12 +131,11 @@ void TTableTV::DeplaceIndex(long de, long vers) {
 
 long TTableTV::AjouteClasse(const TEltBaseTV& elt, TEltBaseTV& travail, const TRappel& rappel) {
   const long nouveau = Ajoute(elt);
-  if (nouveau == 0) return 0;
   long pos = 0;
-  RechercheDichotomiqueApprochee(nouveau - 1, pos, nullptr, travail, elt, travail, nullptr);
+  if (nouveau > 0) RechercheDichotomiqueApprochee(nouveau - 1, pos, nullptr, travail, elt, travail, nullptr);
   // La recherche plafonne sa réponse au dernier rang cherché ; un élément plus
   // grand que tous reste donc à sa place, en fin de table.
-  if (pos == nouveau - 1) {
+  if (nouveau > 0 && pos == nouveau - 1) {
     Lit(pos, travail);
     if (travail.EltCmp(elt) < 0) pos = nouveau;
   }
