@@ -1,0 +1,201 @@
+// TModuleBDD : la base relationnelle d'un dossier, le fichier <nom>.adb.
+//
+// Une base SQLite 3 qui tient les événements, champs simples, sources,
+// illustrations, personnes associées, lieux géolocalisés, la table des noms et
+// les transcriptions (schéma dans schema_bdd.h). Un objet par dossier ouvert ;
+// deux dossiers ouverts ensemble dans un processus ont chacun le leur, avec leur
+// propre connexion, leur numéro IdBDD et leur nom de session.
+//
+// Ce qu'un appelant peut tenir pour sûr :
+// - Le texte interne est en Windows-1252 ; la base le garde en UTF-8. Les
+//   fonctions de cette classe convertissent à la frontière (LieTexte, TexteColonne
+//   pour les requêtes des autres parties).
+// - La connexion est exclusive (aucun autre processus n'ouvre le fichier pendant
+//   ce temps), en journal WAL, pages de 4096 octets, synchronous=FULL hors import,
+//   comparaisons sensibles à la casse (LIKE compris).
+// - Une requête qui échoue lève ERqBase avec le message « Une erreur s'est
+//   produite sur la base <fichier> » suivi du conseil de restructurer
+//   (TexteErreurBase) ; le message du moteur va au journal.
+// - Un dossier en lecture seule n'est jamais modifié : base ouverte en lecture
+//   seule, jamais créée, jamais mise à niveau ; le code qui a besoin d'une colonne
+//   récente la teste (ColonneExiste).
+// - Un fichier .adb qui n'est pas une base SQLite (moteur d'avant) est mis de côté
+//   sous <nom>_v4.adb par CreateDataBase, une base neuve le remplace, et
+//   l'utilisateur est prévenu que ses événements reviendront par un import GEDCOM.
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+namespace SQLite {
+class Database;
+class Statement;
+class Transaction;
+}  // namespace SQLite
+
+namespace rqbase {
+
+class TProgression;
+
+// Ce que l'objet sait de son dossier : la mise à niveau n'a lieu que pour un
+// dossier modifiable ; sans dossier (outils), la base est prise telle quelle.
+enum class TAccesDossier { SansDossier, Modifiable, LectureSeule };
+
+class TModuleBDD {
+ public:
+  // cheminAdb : "<dossier>/<nom>.adb" ; versionTexte : "5.90" (rendu par GetVersion).
+  // Prend le numéro IdBDD suivant du processus. N'ouvre rien.
+  TModuleBDD(const std::string& cheminAdb, const std::string& versionTexte,
+             TAccesDossier acces = TAccesDossier::Modifiable);
+  // Ferme la base (un import resté ouvert est annulé depuis son dernier commit).
+  ~TModuleBDD();
+  TModuleBDD(const TModuleBDD&) = delete;
+  TModuleBDD& operator=(const TModuleBDD&) = delete;
+
+  // --- Cycle de vie ---
+  // Crée le dossier, la base et les tables manquantes (ordre du schéma).
+  // false sans rien faire pour un dossier en lecture seule, ou si le dossier ne
+  // peut être créé ; lève ERqBase sur une erreur du moteur.
+  bool CreateDataBase();
+  // Se connecte si le fichier existe, lance UpdateOldBase, prépare les tables.
+  // false si le fichier manque ou n'est pas une base SQLite (laissé intact).
+  // Un fichier qu'on ne peut ouvrir en écriture est ouvert en lecture seule.
+  bool OpenDataBase();
+  // Ajoute tables, colonnes et index manquants ; seulement pour un dossier
+  // modifiable et une base ouverte en écriture. Voir le .cpp pour l'ordre.
+  void UpdateOldBase();
+  // Ferme la connexion (tout ce qui a été validé est sur le disque, le WAL vidé).
+  void DestroyDataBaseBDD();
+  // Libère les requêtes préparées (les « objets table »).
+  void DeleteLesTables();
+  bool EstOuverte() const;
+  // Vrai si la base est ouverte sans droit d'écriture (dossier en lecture seule
+  // ou fichier non inscriptible).
+  bool EstEnLectureSeule() const;
+
+  // --- Table TabInformations ---
+  std::string GetVersion() const { return Version; }
+  // La ligne "Vers", ou "0" si elle manque.
+  std::string GetVersionBDD();
+  // Écrit la ligne "Vers" avec GetVersion().
+  void MAJTabInformation();
+  // La valeur de la clé, ou "0" si la clé manque (jamais un texte vide pour une clé absente).
+  std::string GetInfoChps(const std::string& cle);
+  // Insère ou modifie la ligne ; clé et valeur coupées à 10 et 20 caractères.
+  // Sans effet sur une base en lecture seule.
+  void MAJInfoChps(const std::string& cle, const std::string& valeur);
+
+  // --- Copies de sécurité ---
+  // <nom>-backup.adb : faite seulement si elle n'existe pas et que la colonne
+  // DateLastModif manque (la copie d'avant restructuration). Ferme puis rouvre.
+  void CopieADB();
+  void DeleteCopieADB();
+  // Si <nom>_old.adb existe : ferme, le remet à la place de <nom>.adb, rouvre.
+  bool RestoreOldADB();
+  std::string CheminCopieADB() const;  // <nom>-backup.adb
+  std::string CheminOldADB() const;    // <nom>_old.adb
+  std::string CheminV4ADB() const;     // <nom>_v4.adb
+  std::string CheminV5ADB() const;     // <nom>_v5.adb
+  std::string CheminMisDeCote() const;  // <nom>.~adb
+  const std::string& GetCheminAdb() const { return CheminAdb; }
+
+  // --- Import ---
+  // Ouvre une transaction et met le compteur à 1 ; réserve au premier appel les
+  // premiers numéros d'événement, de source et d'illustration (une ligne créée
+  // puis effacée : le numéro ne sera plus donné par le moteur).
+  void BeginImport();
+  // Valide le dernier paquet et remet le compteur à 0.
+  void EndImport();
+  void DebutImport() { BeginImport(); }
+  void FinImport() { EndImport(); }
+  bool EnImport() const { return CompteurImport != 0; }
+  long GetCompteurImport() const { return CompteurImport; }
+  // Premiers numéros réservés par BeginImport, 0 tant qu'ils ne l'ont pas été ;
+  // les parties événements, sources et illustrations les font avancer.
+  long PremierNumEven = 0;
+  long PremierNumSource = 0;
+  long PremierNumIllustration = 0;
+
+  // --- Aides de table ---
+  // Le drapeau propre à chaque table qui bloque la réentrée : InsertInTable,
+  // EditInTable et DeleteInTable le lèvent, Cancel et DeleteInTable le remettent.
+  void InsertInTable(const std::string& table);
+  void EditInTable(const std::string& table);
+  void Cancel(const std::string& table);
+  void DeleteInTable(const std::string& table);
+  bool ReentreeBloquee(const std::string& table) const;
+  // Exécute la requête (INSERT, UPDATE, DELETE) avec ses paramètres liés, la
+  // remet à zéro, puis tient la transaction d'import : tous les 1000 envois le
+  // paquet est validé et une nouvelle transaction commence. Rend le nombre de
+  // lignes touchées.
+  int PostInTable(SQLite::Statement& requete);
+  // Idem pour la table IndexNomPrenoms ; rend l'ID donné à la ligne insérée.
+  int64_t PostInTableIndex(SQLite::Statement& requete);
+
+  // --- Accès pour les autres parties du stockage ---
+  // La connexion ; lève ERqBase si la base n'est pas ouverte.
+  SQLite::Database& Base();
+  // Requête préparée une fois et gardée (remise à zéro, liaisons effacées).
+  SQLite::Statement& Requete(const std::string& sql);
+  // Texte Windows-1252 lié en UTF-8 (index à partir de 1), et relu.
+  static void LieTexte(SQLite::Statement& requete, int index, const std::string& cp1252);
+  static std::string TexteColonne(SQLite::Statement& requete, int colonne);
+  // Exécute f et change toute exception du moteur en ERqBase(TexteErreurBase()).
+  template <typename F>
+  auto Protege(F&& f) -> decltype(f());
+  std::string TexteErreurBase() const;
+
+  // --- Structure ---
+  bool TableExiste(const std::string& table);
+  bool ColonneExiste(const std::string& table, const std::string& colonne);
+  bool IndexExiste(const std::string& table, const std::string& index);
+  // Code de type du moteur relu du type déclaré ; 0 si la colonne manque.
+  int TypeMoteurColonne(const std::string& table, const std::string& colonne);
+  // Vrai si le fichier commence par l'en-tête SQLite (ou est vide).
+  static bool EstFichierBase(const std::string& chemin);
+
+  // --- Identité ---
+  int GetIdBDD() const { return IdBDD; }
+  std::string GetNomBase() const;     // "AccuracerBDD_<IdBDD>"
+  std::string GetNomSession() const { return NomSession; }  // "ses<n>", n < 100000
+  // Nom du fil qui lit (LectureEven le teste).
+  std::string NomThread;
+  // Barre de progression des restructurations ; nullptr : muette.
+  TProgression* Progression = nullptr;
+
+ private:
+  void Connecte(bool lectureSeule);
+  void AppliqueReglages();
+  void CreeTable(const std::string& table);
+  void Restructure(const std::string& table, const std::string& sql);
+  void UpdateTableTranscription();
+  void AddColumnGeoAddress();
+  void AjouterTypeDateEven();
+  long ReserveNumero(const char* table, const char* colonneId);
+  void MetDeCoteAncienneBase();
+  [[noreturn]] void ErreurMoteur(const std::exception& e) const;
+
+  std::string CheminAdb;
+  std::string Version;
+  TAccesDossier Acces;
+  int IdBDD;
+  std::string NomSession;
+  bool LectureSeuleEffective = false;
+  long CompteurImport = 0;
+  std::unique_ptr<SQLite::Database> Bdd;
+  std::unique_ptr<SQLite::Transaction> Transaction;
+  std::unordered_map<std::string, std::unique_ptr<SQLite::Statement>> Requetes;
+  std::unordered_map<std::string, bool> Blocages;
+};
+
+template <typename F>
+auto TModuleBDD::Protege(F&& f) -> decltype(f()) {
+  try {
+    return f();
+  } catch (const std::exception& e) {
+    ErreurMoteur(e);
+  }
+}
+
+}  // namespace rqbase
