@@ -119,7 +119,9 @@ class TModuleBDD {
 
   // --- Aides de table ---
   // Le drapeau propre à chaque table qui bloque la réentrée : InsertInTable,
-  // EditInTable et DeleteInTable le lèvent, Cancel et DeleteInTable le remettent.
+  // EditInTable et DeleteInTable le baissent d'abord, Cancel et DeleteInTable le
+  // lèvent ensuite. Les opérations de curseur elles-mêmes sont les requêtes
+  // préparées des appelants (Requete, PostInTable).
   void InsertInTable(const std::string& table);
   void EditInTable(const std::string& table);
   void Cancel(const std::string& table);
