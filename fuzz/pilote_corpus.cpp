@@ -5,7 +5,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
 #include <vector>
+
+#include "rqbase/platform/cp1252.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* donnees, size_t taille);
 
@@ -23,6 +26,6 @@ int main(int argc, char** argv) {
     LLVMFuzzerTestOneInput(octets.data(), octets.size());
     ++n;
   }
-  std::printf("%d entrées rejouées\n", n);
+  std::printf("%s\n", rqbase::VersUtf8(std::to_string(n) + " entrées rejouées").c_str());
   return 0;
 }

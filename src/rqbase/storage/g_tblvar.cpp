@@ -14,6 +14,7 @@ constexpr size_t kMorceau = 32768;  // les blocs du flux s'écrivent par morceau
 // Un index ou une zone de texte relus ne dépassent jamais ce que la croissance
 // normale donne pour leur contenu ; au-delà, le flux est jugé absurde.
 constexpr long kMargeCapacite = 1L << 20;
+constexpr long kMargeCroissance = 1L << 26;
 
 }  // namespace
 
@@ -339,7 +340,7 @@ bool TTableTV::Restauration(ipstream& flux, int version) {
   const bool absurde = !flux.Bon() || nb < 0 || utilise < 0 || capIndex < nb || capChn < utilise || initial < 1 ||
                        moyenne < 1 || moyenne > (1 << 20) || nb * 4 + utilise > flux.Restant() ||
                        capIndex > 2 * nb + kMargeCapacite || capChn > 2 * utilise + kMargeCapacite ||
-                       initial > kMargeCapacite;
+                       initial > kMargeCapacite || initial * moyenne > kMargeCroissance;
   if (absurde) {
     flux.MetEnEchec();
     *this = TTableTV();
@@ -355,7 +356,8 @@ bool TTableTV::Restauration(ipstream& flux, int version) {
   flux.readBytes(Index.data(), size_t(nb) * 4);
   flux.readBytes(Chn.data(), size_t(utilise));
   Croissance = version < 2 ? 50 : flux.readLong();
-  bool bon = flux.Bon() && Croissance >= 1;
+  // Un pas démesuré ferait exploser le prochain agrandissement de la zone de texte.
+  bool bon = flux.Bon() && Croissance >= 1 && Croissance * TailleMoyenne <= kMargeCroissance;
   for (long i = 0; bon && i < nb; ++i) bon = Index[size_t(i)] >= 0 && Index[size_t(i)] <= utilise;
   if (!bon) {
     flux.MetEnEchec();
