@@ -5,7 +5,9 @@ namespace rqbase {
 namespace {
 
 constexpr TTexteRessource kTextes[] = {
-    {0, ""},  // réservé : aucun texte n'a le numéro 0
+    {7250, " ou Donnée équivalente"},
+    // La ligne de version écrite dans chaque fichier catalogue.
+    {7251, "Catalogue des champs 2020"},
 };
 
 }  // namespace
