@@ -1,0 +1,84 @@
+#include "rqbase/dates/interne.h"
+
+#include <charconv>
+#include <cstdio>
+
+#include "rqbase/platform/cp1252.h"
+
+namespace rqbase::dates_interne {
+
+int ToIntInString(std::string_view texte, std::size_t debut) {
+  if (debut >= texte.size()) return 0;
+  std::string_view morceau = texte.substr(debut, 20);
+  if (auto point = morceau.find('.'); point != std::string_view::npos) morceau = morceau.substr(0, point);
+  std::string filtre;
+  for (char c : morceau)
+    if ((c >= '0' && c <= '9') || c == '-') filtre += c;
+  if (filtre.empty()) return 0;
+  int valeur = 0;
+  auto [fin, erreur] = std::from_chars(filtre.data(), filtre.data() + filtre.size(), valeur);
+  if (erreur != std::errc() || fin != filtre.data() + filtre.size()) return 0;
+  return valeur;
+}
+
+std::string Milieu(std::string_view texte, std::size_t position, std::size_t longueur) {
+  if (position == 0 || position > texte.size()) return {};
+  return std::string(texte.substr(position - 1, longueur));
+}
+
+std::string SansBlancsFin(std::string_view texte) {
+  std::size_t n = texte.size();
+  while (n > 0 && static_cast<unsigned char>(texte[n - 1]) <= ' ') --n;
+  return std::string(texte.substr(0, n));
+}
+
+std::string Zeros(int valeur, int largeur) {
+  char tampon[32];
+  std::snprintf(tampon, sizeof tampon, "%0*d", largeur, valeur);
+  return tampon;
+}
+
+std::string Replie(std::string_view texte) {
+  std::string r;
+  r.reserve(texte.size());
+  for (unsigned char c : texte) r += static_cast<char>(MajusculeCp1252(SansAccentCp1252(c)));
+  return r;
+}
+
+std::int64_t JdnJulien(std::int64_t annee, int mois, int jour) {
+  std::int64_t a = (14 - mois) / 12;
+  std::int64_t y = annee + 4800 - a;
+  std::int64_t m = mois + 12 * a - 3;
+  return jour + (153 * m + 2) / 5 + 365 * y + DivBas(y, 4) - 32083;
+}
+
+std::int64_t JdnGregorien(std::int64_t annee, int mois, int jour) {
+  std::int64_t a = (14 - mois) / 12;
+  std::int64_t y = annee + 4800 - a;
+  std::int64_t m = mois + 12 * a - 3;
+  return jour + (153 * m + 2) / 5 + 365 * y + DivBas(y, 4) - DivBas(y, 100) + DivBas(y, 400) - 32045;
+}
+
+void DepuisJdnGregorien(std::int64_t jdn, std::int64_t& annee, int& mois, int& jour) {
+  std::int64_t a = jdn + 32044;
+  std::int64_t b = DivBas(4 * a + 3, 146097);
+  std::int64_t c = a - DivBas(146097 * b, 4);
+  std::int64_t d = DivBas(4 * c + 3, 1461);
+  std::int64_t e = c - DivBas(1461 * d, 4);
+  std::int64_t m = DivBas(5 * e + 2, 153);
+  jour = static_cast<int>(e - DivBas(153 * m + 2, 5) + 1);
+  mois = static_cast<int>(m + 3 - 12 * DivBas(m, 10));
+  annee = 100 * b + d - 4800 + DivBas(m, 10);
+}
+
+void DepuisJdnJulien(std::int64_t jdn, std::int64_t& annee, int& mois, int& jour) {
+  std::int64_t c = jdn + 32082;
+  std::int64_t d = DivBas(4 * c + 3, 1461);
+  std::int64_t e = c - DivBas(1461 * d, 4);
+  std::int64_t m = DivBas(5 * e + 2, 153);
+  jour = static_cast<int>(e - DivBas(153 * m + 2, 5) + 1);
+  mois = static_cast<int>(m + 3 - 12 * DivBas(m, 10));
+  annee = d - 4800 + DivBas(m, 10);
+}
+
+}  // namespace rqbase::dates_interne

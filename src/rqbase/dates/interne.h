@@ -1,0 +1,40 @@
+// Aides internes du sous-système des dates : lecture tolérante des nombres,
+// découpe par position, numéros de jour julien chronologiques. Aucune n'est
+// exportée hors de src/rqbase/dates.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace rqbase::dates_interne {
+
+// Lecture d'un entier comme le fait tout le sous-système : au plus 20 caractères
+// depuis `debut`, arrêt au premier point décimal, seuls les chiffres et le signe
+// moins restent ; un reste illisible (vide, "1-2", dépassement) vaut 0.
+int ToIntInString(std::string_view texte, std::size_t debut = 0);
+
+// Sous-chaîne par position comptée à partir de 1, tronquée au texte.
+std::string Milieu(std::string_view texte, std::size_t position, std::size_t longueur);
+
+// Blancs de fin retirés (les blancs de tête restent).
+std::string SansBlancsFin(std::string_view texte);
+
+// Entier écrit sur au moins `largeur` chiffres, complété de zéros ("%0*d").
+std::string Zeros(int valeur, int largeur);
+
+// Texte en majuscules sans accents (Windows-1252), pour comparer des noms de mois.
+std::string Replie(std::string_view texte);
+
+// Numéro de jour julien chronologique (entier, midi) d'une date du calendrier
+// julien ou du calendrier grégorien proleptique, et l'inverse.
+std::int64_t JdnJulien(std::int64_t annee, int mois, int jour);
+std::int64_t JdnGregorien(std::int64_t annee, int mois, int jour);
+void DepuisJdnJulien(std::int64_t jdn, std::int64_t& annee, int& mois, int& jour);
+void DepuisJdnGregorien(std::int64_t jdn, std::int64_t& annee, int& mois, int& jour);
+
+// Division entière arrondie vers moins l'infini.
+constexpr std::int64_t DivBas(std::int64_t a, std::int64_t b) {
+  return (a >= 0) ? a / b : -((-a + b - 1) / b);
+}
+
+}  // namespace rqbase::dates_interne
