@@ -5,5 +5,6 @@
 namespace rqcli {
 
 void AjouteCommandesDate(CLI::App& app, TContexteCli& ctx);
+void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx);
 
 }  // namespace rqcli

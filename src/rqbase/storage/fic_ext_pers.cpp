@@ -1,0 +1,42 @@
+// TExtPerson : lecture et écriture d'un enregistrement de débordement.
+#include "rqbase/storage/fic_ext_pers.h"
+
+#include <cstring>
+
+#include "rqbase/storage/gest_fic.h"
+#include "rqbase/util/erreur.h"
+
+namespace rqbase {
+
+void TExtPerson::TEnreg::Raz() { *this = TEnreg{}; }
+
+bool TExtPerson::TEnreg::Vide() const {
+  return Conjoints[0].No == 0 && Enfants[0].No == 0 && LiensChpsSimple[0] == 0 && LiensEvenement[0] == 0 &&
+         LiensCitation[0] == 0;
+}
+
+TExtPerson::TExtPerson(TFicExtPersons* fic, long no) : Fic(fic) {
+  if (no > 0 || no == -2)
+    Lecture(no);
+  else
+    Enreg.Raz();
+}
+
+void TExtPerson::Lecture(long no) {
+  if (no != -3) Numero = no;
+  if (Numero == 0 || !Fic) {
+    Enreg.Raz();
+    return;
+  }
+  LitEnregistrement(Fic->Gest(), Fic->Fichier(), Numero, &Enreg, sizeof Enreg);
+}
+
+void TExtPerson::Enregistrement(long no, TFicExtPersons* fic) {
+  TFicExtPersons* cible = fic ? fic : Fic;
+  if (no != -3) Numero = no;
+  if (!cible) return;
+  if (Numero > cible->NbEnreg()) throw ERqBase("FicExtPers : Erreur Enreg");
+  if (Numero != 0) EcritEnregistrement(cible->Gest(), cible->Fichier(), Numero, &Enreg, sizeof Enreg);
+}
+
+}  // namespace rqbase
