@@ -179,22 +179,30 @@ const TTableSchema* TableSchema(std::string_view nom) {
 }
 
 std::string TypeDeclare(int typeMoteur, int taille) {
-  const std::string n = "(" + std::to_string(taille) + ")";
+  const char* nom = "";
+  bool avecTaille = false;
   switch (typeMoteur) {
-    case TypeCharFixe: return "CHAR" + n;
-    case TypeVarChar: return "VARCHAR" + n;
-    case TypeNVarChar: return "NVARCHAR" + n;
-    case TypeEntierCourt: return "TINYINT";
-    case TypeEntier16: return "SMALLINT";
-    case TypeEntier32: return "INTEGER";
-    case TypeEntier64: return "BIGINT";
-    case TypeAutoIncrement: return "INTEGER PRIMARY KEY AUTOINCREMENT";
-    case TypeDouble: return "DOUBLE";
-    case TypeDateHeure: return "DATETIME";
-    case TypeBlob: return "BLOB";
-    case TypeMemo: return "MEMO";
-    default: return "";
+    case TypeCharFixe: nom = "CHAR", avecTaille = true; break;
+    case TypeVarChar: nom = "VARCHAR", avecTaille = true; break;
+    case TypeNVarChar: nom = "NVARCHAR", avecTaille = true; break;
+    case TypeEntierCourt: nom = "TINYINT"; break;
+    case TypeEntier16: nom = "SMALLINT"; break;
+    case TypeEntier32: nom = "INTEGER"; break;
+    case TypeEntier64: nom = "BIGINT"; break;
+    case TypeAutoIncrement: nom = "INTEGER PRIMARY KEY AUTOINCREMENT"; break;
+    case TypeDouble: nom = "DOUBLE"; break;
+    case TypeDateHeure: nom = "DATETIME"; break;
+    case TypeBlob: nom = "BLOB"; break;
+    case TypeMemo: nom = "MEMO"; break;
+    default: break;
   }
+  std::string declare = nom;
+  if (avecTaille) {
+    declare += '(';
+    declare += std::to_string(taille);
+    declare += ')';
+  }
+  return declare;
 }
 
 int TypeMoteurDepuisDeclare(std::string_view declare, bool clePrimaire) {
