@@ -149,7 +149,7 @@ int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois) 
   std::string jour, mois, annee;
   bool compacte = false;
   const std::string& premiere = parties[0];
-  if (parties.size() == 1 && IsChiffre(premiere[0]) && QueDesChiffres(premiere)) {
+  if (parties.size() == 1 && IsChiffre(premiere[0])) {
     const std::size_t n = premiere.size();
     if (!republicain && n >= 5 && n <= 8) {
       jour = premiere.substr(0, 2);
