@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 
 namespace rqbase {
@@ -100,6 +101,14 @@ TEST_F(FichierBrutTest, PannesInjectees) {
   TFichierBrut::Pannes().Raz();
   TFichierBrut::Pannes().EchoueLectureApres(0, ".exp");
   EXPECT_EQ(f->LitA(0, lu, 4), 4);
+}
+
+TEST_F(FichierBrutTest, EcritureRefuseeCommeUnDossierEnLectureSeule) {
+  { Ouvre(TFichierBrut::TDisposition::OuvreOuCree)->EcritA(0, "a", 1); }
+  TFichierBrut::Pannes().RefuseEcriture(".prs");
+  EXPECT_FALSE(Ouvre(TFichierBrut::TDisposition::OuvreOuCree));
+  EXPECT_EQ(TFichierBrut::DerniereErreur(), EACCES);
+  EXPECT_TRUE(Ouvre(TFichierBrut::TDisposition::Ouvre, TFichierBrut::TAcces::Lecture));
 }
 
 TEST_F(FichierBrutTest, DossierEnLectureSeule) {

@@ -47,10 +47,16 @@ void TPannes::EcritureCourteApres(int n, const std::string& fragment) {
   Ecriture = {true, TEffet::Courte, n, fragment};
   Armee = true;
 }
+void TPannes::RefuseEcriture(const std::string& fragment) {
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  FragmentLectureSeule = fragment;
+  Armee = true;
+}
 void TPannes::Raz() {
   std::lock_guard<std::mutex> g(gVerrouPannes);
   Lecture = {};
   Ecriture = {};
+  FragmentLectureSeule.clear();
   Armee = false;
 }
 
@@ -76,6 +82,12 @@ TPannes::TEffet TPannes::AvantEcriture(const std::string& chemin) {
   return Applique(Ecriture, chemin);
 }
 
+bool TPannes::EcritureRefusee(const std::string& chemin) {
+  if (!Armee) return false;
+  std::lock_guard<std::mutex> g(gVerrouPannes);
+  return !FragmentLectureSeule.empty() && chemin.find(FragmentLectureSeule) != std::string::npos;
+}
+
 // ---- TFichierBrut ----------------------------------------------------------
 
 TPannes& TFichierBrut::Pannes() {
@@ -94,6 +106,10 @@ TFichierBrut::~TFichierBrut() {
 
 std::unique_ptr<TFichierBrut> TFichierBrut::Ouvre(const std::string& chemin, TAcces acces, TDisposition disposition,
                                                   bool ecritureImmediate) {
+  if (acces == TAcces::LectureEcriture && Pannes().EcritureRefusee(chemin)) {
+    gDerniereErreur = EACCES;
+    return nullptr;
+  }
   int fd;
   do {
     fd = ::open(chemin.c_str(), Drapeaux(acces, disposition, ecritureImmediate), 0666);

@@ -25,12 +25,16 @@ class TPannes {
   void EchoueEcritureApres(int n, const std::string& fragment = "");
   void LectureCourteApres(int n, const std::string& fragment = "");
   void EcritureCourteApres(int n, const std::string& fragment = "");
+  // Toute ouverture en écriture d'un chemin contenant le fragment échoue (EACCES),
+  // comme dans un dossier en lecture seule, même pour root.
+  void RefuseEcriture(const std::string& fragment);
   void Raz();
 
   enum class TEffet { Aucun, Echec, Courte };
   // Appelées par TFichierBrut avant chaque opération.
   TEffet AvantLecture(const std::string& chemin);
   TEffet AvantEcriture(const std::string& chemin);
+  bool EcritureRefusee(const std::string& chemin);
 
  private:
   struct TRegle {
@@ -41,6 +45,7 @@ class TPannes {
   };
   static TEffet Applique(TRegle& regle, const std::string& chemin);
   TRegle Lecture, Ecriture;
+  std::string FragmentLectureSeule;
   std::atomic<bool> Armee{false};
 };
 
