@@ -6,5 +6,6 @@ namespace rqcli {
 
 void AjouteCommandesDate(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx);
+void AjouteCommandesCatalogue(CLI::App& app, TContexteCli& ctx);
 
 }  // namespace rqcli

@@ -74,6 +74,7 @@ int main(int argc, char** argv) {
   rqbase::InstalleDialogue(&dialogue);
 
   AjouteCommandesDate(app, ctx);
+  AjouteCommandesCatalogue(app, ctx);
   AjouteCommandesDossier(app, ctx);
 
   FranciseSousCommandes(app);

@@ -10,6 +10,7 @@
 #include "rqbase/fields/fichier_dch.h"
 #include "rqbase/fields/table_defaut.h"
 #include "rqbase/platform/fichier.h"
+#include "rqbase/storage/gest_fic.h"
 #include "rqbase/util/erreur.h"
 
 using namespace rqbase;
@@ -334,4 +335,37 @@ TEST_F(CatalogueTest, PhrasesMisesAJourSeulementQuandEllesManquent) {
   EXPECT_EQ(cat->RechercheChampsInternePtr("DIVORCE")->Expressions.Count(), 3);
   EXPECT_EQ(cat->RechercheChampsInternePtr("UNION")->Expressions.Count(), 1);
   EXPECT_FALSE(cat->UpdateExpressionsField("PROCES", ""));
+}
+
+TEST_F(CatalogueTest, LeDossierCreeEtRouvreSonCatalogue) {
+  const std::string prs = (Dossier / "famille.rq2" / "famille.prs").string();
+  {
+    TGestFichier g(prs, true, false, false, false, 0);
+    ASSERT_FALSE(g.EnErreur());
+    ASSERT_NE(g.GetDefChpsCs(), nullptr);
+    EXPECT_EQ(g.GetDefChpsCs()->Count(), 59);
+    EXPECT_EQ(g.GetDefChpsCs()->CheminCatalogue(), g.FabriqueNomFichier(tfDch));
+  }
+  const std::string dch = (Dossier / "famille.rq2" / "famille.dch").string();
+  ASSERT_TRUE(fs::exists(dch));
+  // Un catalogue d'ancien dossier : la mise à niveau se fait à l'ouverture et s'enregistre.
+  Ecrit(AncienFichier(), dch);
+  {
+    TGestFichier g(prs);
+    ASSERT_FALSE(g.EnErreur());
+    ASSERT_NE(g.GetDefChpsCs(), nullptr);
+    EXPECT_EQ(g.GetDefChpsCs()->Count(), 18);
+  }
+  TContenuDch relu;
+  ASSERT_TRUE(LitFichierDch(dch, relu));
+  EXPECT_EQ(relu.Champs.size(), 18u);
+  // En lecture seule, rien n'est écrit.
+  Ecrit(AncienFichier(), dch);
+  {
+    TGestFichier g(prs, false, false, false, false, 0, mcLectureSeule, true);
+    ASSERT_NE(g.GetDefChpsCs(), nullptr);
+    EXPECT_EQ(g.GetDefChpsCs()->Count(), 18);
+  }
+  ASSERT_TRUE(LitFichierDch(dch, relu));
+  EXPECT_EQ(relu.Champs.size(), 4u);
 }

@@ -7,6 +7,7 @@
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/journal.h"
 #include "rqbase/platform/ressources.h"
+#include "rqbase/storage/gest_fic.h"
 #include "rqbase/util/erreur.h"
 #include "rqbase/util/fichiers.h"
 
@@ -32,6 +33,16 @@ TDefChpsCs::TDefChpsCs(TGestFichier* fichier, bool nouveau, const std::string& c
   Construit(nouveau);
 }
 
+TDefChpsCs::TDefChpsCs(TGestFichier* fichier, bool nouveau)
+    : Fichier(fichier), Chemin(fichier ? fichier->FabriqueNomFichier(tfDch) : std::string()) {
+  Construit(nouveau);
+}
+
+TDefChpsCs::TDefChpsCs(TGestFichier* fichier, const TContenuDch& contenu, bool miseANiveau) : Fichier(fichier) {
+  Initialise();
+  Charge(contenu, miseANiveau);
+}
+
 TDefChpsCs::~TDefChpsCs() = default;
 
 std::string TDefChpsCs::DossierCatalogue() const {
@@ -39,12 +50,15 @@ std::string TDefChpsCs::DossierCatalogue() const {
   return p == std::string::npos ? std::string() : Chemin.substr(0, p + 1);
 }
 
-void TDefChpsCs::Construit(bool nouveau) {
+void TDefChpsCs::Initialise() {
   VersionChaine = Ressource(kRessourceVersion);
   Defaut(TypesSource, "Générale");
   Defaut(TypesNote, "Générale");
   Defaut(TypesIllustration, "Générale,Transcription");
+}
 
+void TDefChpsCs::Construit(bool nouveau) {
+  Initialise();
   std::string source = Chemin;
   bool depuisModele = false;
   if (nouveau && EstFichierDch(__asStructFilenameNew)) {
@@ -59,30 +73,38 @@ void TDefChpsCs::Construit(bool nouveau) {
     if (!LitFichierDch(source, c)) {
       // Un catalogue illisible n'est surtout pas remplacé par la table par défaut.
       ErreurEntreeSortie = true;
+      if (Fichier) Fichier->FixeErreur(true);
       AddLog("Catalogue des champs illisible : " + source);
       return;
     }
-    for (const auto& ligne : c.Champs) CreatChpCs(ligne);
-    EquivProfession = c.EquivProfession;
-    EquivNaissance = c.EquivNaissance;
-    EquivDeces = c.EquivDeces;
-    EquivUnion = c.EquivUnion;
-    EquivResidence = c.EquivResidence;
-    ApplitListes(c);
-    Ancien = c.Ancien;
-    if (c.VersionChaine) VersionChaine = *c.VersionChaine;
     // Un dossier neuf pris sur un modèle reçoit tout de suite son propre fichier.
-    change = depuisModele;
+    change = Charge(c, !nouveau) || depuisModele;
   } else {
     RemplitDefaut();
     if (!Sauvegarde()) return;
+    change = Restructure();
+    change |= MetEnPlacePhrasesEtSymboles();
+    NumeroteRangs();
   }
+  if (change) Sauvegarde();
+}
 
-  if (!nouveau && lire) change |= MetANiveau();
+bool TDefChpsCs::Charge(const TContenuDch& c, bool miseANiveau) {
+  for (const auto& ligne : c.Champs) CreatChpCs(ligne);
+  EquivProfession = c.EquivProfession;
+  EquivNaissance = c.EquivNaissance;
+  EquivDeces = c.EquivDeces;
+  EquivUnion = c.EquivUnion;
+  EquivResidence = c.EquivResidence;
+  ApplitListes(c);
+  Ancien = c.Ancien;
+  if (c.VersionChaine) VersionChaine = *c.VersionChaine;
+  bool change = false;
+  if (miseANiveau) change |= MetANiveau();
   change |= Restructure();
   change |= MetEnPlacePhrasesEtSymboles();
   NumeroteRangs();
-  if (change) Sauvegarde();
+  return change;
 }
 
 void TDefChpsCs::ApplitListes(const TContenuDch& c) {
@@ -287,8 +309,12 @@ TContenuDch TDefChpsCs::ContenuFichier() const {
 }
 
 bool TDefChpsCs::Sauvegarde() {
+  // Un dossier en lecture seule ne change pas sur le disque : le catalogue mis à
+  // niveau ne vit qu'en mémoire.
+  if (Fichier && Fichier->IsReadOnly()) return true;
   if (Chemin.empty() || !EcritFichierDch(Chemin, ContenuFichier())) {
     ErreurEntreeSortie = true;
+    if (Fichier) Fichier->FixeErreur(true);
     AddLog("Catalogue des champs : écriture impossible de " + Chemin);
     return false;
   }

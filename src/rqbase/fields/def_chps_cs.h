@@ -62,6 +62,9 @@ class TDefChpsCs {
   // Le catalogue d'un dossier ouvert : le fichier de type 20 ; une erreur
   // d'entrée-sortie lève le drapeau d'erreur du dossier.
   TDefChpsCs(TGestFichier* fichier, bool nouveau);
+  // Un catalogue fait d'un contenu déjà lu, sans fichier (outils, essais) : mêmes
+  // étapes qu'à l'ouverture d'un dossier existant quand `miseANiveau`, rien n'est écrit.
+  TDefChpsCs(TGestFichier* fichier, const TContenuDch& contenu, bool miseANiveau);
   ~TDefChpsCs();
   TDefChpsCs(const TDefChpsCs&) = delete;
   TDefChpsCs& operator=(const TDefChpsCs&) = delete;
@@ -154,6 +157,10 @@ class TDefChpsCs {
 
  private:
   void Construit(bool nouveau);
+  void Initialise();
+  // Les champs, rôles et listes d'un contenu lu ; puis mise à niveau et rangs.
+  // Vrai si le catalogue diffère de ce qui a été lu.
+  bool Charge(const TContenuDch& c, bool miseANiveau);
   void RemplitDefaut();
   bool MetANiveau();
   bool Restructure();

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/platform/ressources.h"
 #include "rqbase/storage/fic_ext_pers.h"
@@ -223,6 +224,7 @@ void TGestFichier::OuvrirFichier(bool a, bool b) {
   Persons.reset();
   ExtPersons.reset();
   PersSuppr.reset();
+  DefChpsCs.reset();
   Xml.reset();
   BDD.reset();
   if (Erreur) return;
@@ -261,6 +263,7 @@ void TGestFichier::AjouteObjets(bool sansTest) {
   // Places, dans l'ordre : TFicSources, TFicChpsSimple, TFicExtEvens, TFicEvens (façades
   // de la base), TFicSosas, TFicNotes, TFicIndexPerson, TFicNoticesPat, le catalogue
   // TDefChpsCs et les équivalences de noms TTabNomEquiv.
+  if (peut()) DefChpsCs = std::make_unique<TDefChpsCs>(this, false);
 }
 
 void TGestFichier::NouveauFichier(int premierePersonne) {
@@ -302,6 +305,7 @@ void TGestFichier::NouveauFichier(int premierePersonne) {
   PersSuppr = std::make_unique<TFicPersSuppr>(this, true);
   // Places de TFicSources, TFicChpsSimple, TFicExtEvens, TFicEvens, TFicSosas, TFicNotes,
   // TFicIndexPerson, TFicNoticesPat, TDefChpsCs, TTabNomEquiv.
+  DefChpsCs = std::make_unique<TDefChpsCs>(this, true);
   Xml = std::make_unique<TFicXml>(this, true);
   GenereIdGenea();
   Xml->EcritureValeur("LienIdPers", "IdGenea", IdGenea);
@@ -331,6 +335,7 @@ void TGestFichier::FermerFichiers() {
   Persons.reset();
   ExtPersons.reset();
   PersSuppr.reset();
+  DefChpsCs.reset();
   Xml.reset();
 }
 

@@ -30,6 +30,7 @@ class TFicExtPersons;
 class TFicPersSuppr;
 class TFicXml;
 class TModuleBDD;
+class TDefChpsCs;
 
 // Les numéros des fichiers d'un dossier (voir FabriqueNomFichier et docs/formats.md).
 enum TTypeFichier : int {
@@ -127,6 +128,8 @@ class TGestFichier {
   TFicPersSuppr* FicPersSuppr() const { return PersSuppr.get(); }
   TFicXml* FicXml() const { return Xml.get(); }
   TModuleBDD* ModuleBDD() const { return BDD.get(); }
+  // Le catalogue des champs ; nul tant qu'il n'est pas ouvert.
+  TDefChpsCs* GetDefChpsCs() const { return DefChpsCs.get(); }
 
   // État gardé dans l'en-tête des personnes.
   TDateTime DateCreation = 0, DateModification = 0, DateTroisieme = 0;
@@ -156,6 +159,7 @@ class TGestFichier {
   std::unique_ptr<TFicPersSuppr> PersSuppr;
   std::unique_ptr<TFicXml> Xml;
   std::unique_ptr<TModuleBDD> BDD;
+  std::unique_ptr<TDefChpsCs> DefChpsCs;
 };
 
 // Construit dossier, `<nom>.rq2/` et nom de fichier : rend le chemin du .prs.
