@@ -38,10 +38,14 @@ void InconnuEnPoints(std::string& s) { std::replace(s.begin(), s.end(), '?', '.'
 std::vector<std::string> Decoupe(const std::string& texte) {
   std::vector<std::string> parties;
   std::string courante;
+  // Deux barres donnent déjà la structure : les points ne sont alors que des chiffres inconnus.
+  const bool barres = std::count(texte.begin(), texte.end(), '/') >= 2;
   for (std::size_t i = 0; i < texte.size(); ++i) {
     const char c = texte[i];
     bool separe;
-    if (c == '.') {
+    if (c == '.' && barres) {
+      separe = false;
+    } else if (c == '.') {
       const char avant = i > 0 ? texte[i - 1] : 0, apres = i + 1 < texte.size() ? texte[i + 1] : 0;
       separe = avant && apres && avant != '.' && apres != '.' && !EstSeparateur(avant) && !EstSeparateur(apres);
     } else {
@@ -213,6 +217,9 @@ int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois) 
     } else {
       mois = Zeros(no, 2);
     }
+  } else if (mois.size() > 2) {
+    // Chiffres et points sur plus de deux caractères : aucun mois ne s'écrit ainsi.
+    return refuse(republicain ? 2 : 8);
   } else if (republicain) {
     if (!QueDesChiffres(mois)) return refuse(2);
     std::string code, nom;
@@ -244,8 +251,8 @@ int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois) 
     const bool ok = republicain ? AnneeRepublicaineOk(valeur) : calendrier == 'H' ? AnneeHebOk(valeur) : AnneeOk(valeur);
     if (!ok) return refuse(7);
   } else if (annee.size() < largeurAnnee) {
-    // Année partiellement connue et courte : les chiffres manquants sont en tête.
-    annee = (annee.size() == 3 ? std::string("0") : std::string(largeurAnnee - annee.size(), '.')) + annee;
+    // Année partiellement connue et courte : les chiffres manquants sont en tête, inconnus.
+    annee = std::string(largeurAnnee - annee.size(), '.') + annee;
   }
 
   // Bornes du mois et du jour ; "00" vaut inconnu.
