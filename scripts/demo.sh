@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Démonstration : crée un petit dossier d'exemple dans un dossier temporaire et le
+# montre avec les commandes de rqbase. Utilisation : scripts/demo.sh CHEMIN_DE_rqbase
+set -euo pipefail
+rqbase="$(cd "$(dirname "$1")" && pwd)/$(basename "$1")"
+travail="$(mktemp -d)"
+trap 'rm -rf "$travail"' EXIT
+cd "$travail"
+
+etape() { printf '\n== %s\n$ rqbase %s\n' "$1" "${*:2}"; "$rqbase" "${@:2}"; }
+
+etape "Création d'un dossier avec une première personne" creer Famille --titre "Famille Lefèvre" --premiere-personne
+etape "Ajout de personnes" ajouter-personne Famille --nom Lefèvre --prenoms "Jean Baptiste" --sexe M
+"$rqbase" ajouter-personne Famille --nom Garnier --prenoms "Marie Louise" --sexe F
+"$rqbase" ajouter-personne Famille.rq2 --nom Lefèvre --prenoms "Élise" --sexe F
+etape "Description du dossier" info Famille
+etape "Liste des personnes" personnes Famille
+etape "Une fiche" personne Famille 2
+etape "La même en JSON" --json personne Famille.rq2/Famille.prs 4
+etape "Copie du dossier" copier Famille Sauvegarde
+etape "Renommage de la copie" renommer Sauvegarde Archive
+etape "Liste paginée de la copie (JSON)" --json personnes Archive --debut 2 --nombre 2
+printf '\n== Créer par-dessus un dossier existant ne change rien (réponse Non)\n'
+"$rqbase" --non creer Famille || echo "(code de sortie $?)"
+etape "Suppression de la copie" --oui supprimer Archive
+ls
