@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 #include "commandes.h"
 #include "rqbase/person/gest_pers.h"
@@ -115,22 +116,22 @@ void Personnes(TContexteCli& ctx, const std::string& nom, long debut, long nombr
   auto gest = Ouvre(nom, true);
   rqbase::TFicPersons* fic = gest->FicPersons();
   const long fin = nombre > 0 ? std::min(fic->NbPersEffective(), debut + nombre - 1) : fic->NbPersEffective();
-  json l = json::array();
+  std::optional<TTableauJsonEnFlux> tableau;
+  if (ctx.Json) tableau.emplace(json{{"debut", std::max(1L, debut)}, {"numeros", fic->NbPersEffective()}}, "personnes");
   TPerson p(fic, -3);
   for (long no = std::max(1L, debut); no <= fin; ++no) {
     p.Lecture(no);
-    if (ctx.Json) {
-      l.push_back({{"numero", no},
-                   {"sexe", Texte(Car(p.Enreg.Sexe))},
-                   {"nom", Texte(p.Enreg.Nom)},
-                   {"prenoms", Texte(p.Enreg.Prenoms)},
-                   {"supprime", p.FicheSupprimee()}});
+    if (tableau) {
+      tableau->Ajoute({{"numero", no},
+                       {"sexe", Texte(Car(p.Enreg.Sexe))},
+                       {"nom", Texte(p.Enreg.Nom)},
+                       {"prenoms", Texte(p.Enreg.Prenoms)},
+                       {"supprime", p.FicheSupprimee()}});
     } else {
       Ecrit(std::to_string(no) + "\t" + Car(p.Enreg.Sexe) + "\t" + p.Enreg.Nom + "\t" + p.Enreg.Prenoms +
             (p.FicheSupprimee() ? "\t(supprimée)" : ""));
     }
   }
-  if (ctx.Json) EcritJson({{"debut", std::max(1L, debut)}, {"numeros", fic->NbPersEffective()}, {"personnes", l}});
 }
 
 void Personne(TContexteCli& ctx, const std::string& nom, long no) {

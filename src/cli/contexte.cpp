@@ -29,6 +29,19 @@ void Ecrit(const std::string& cp1252) { std::cout << rqbase::VersUtf8(cp1252) <<
 
 void EcritJson(const json& document) { std::cout << document.dump(2) << '\n'; }
 
+TTableauJsonEnFlux::TTableauJsonEnFlux(const json& entete, const std::string& cle) {
+  std::cout << "{";
+  for (auto it = entete.begin(); it != entete.end(); ++it) std::cout << json(it.key()).dump() << ": " << it->dump() << ", ";
+  std::cout << json(cle).dump() << ": [";
+}
+
+TTableauJsonEnFlux::~TTableauJsonEnFlux() { std::cout << (Premier ? "]}\n" : "\n]}\n"); }
+
+void TTableauJsonEnFlux::Ajoute(const json& element) {
+  std::cout << (Premier ? "\n  " : ",\n  ") << element.dump();
+  Premier = false;
+}
+
 TProgressionTerminal::TProgressionTerminal() : Terminal(::isatty(STDERR_FILENO) != 0) {
   gActive = this;
   std::signal(SIGINT, SurInterruption);

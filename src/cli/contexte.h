@@ -33,6 +33,19 @@ void Ecrit(const std::string& cp1252);
 // Écrit un document JSON, indenté, sur la sortie standard.
 void EcritJson(const json& document);
 
+// Un document JSON dont le dernier membre est un long tableau, écrit au fil de l'eau :
+// la mémoire ne croît pas avec le nombre d'éléments (un million de personnes).
+// { <membres de l'en-tête>, "<cle>": [ élément, élément, ... ] }
+class TTableauJsonEnFlux {
+ public:
+  TTableauJsonEnFlux(const json& entete, const std::string& cle);
+  ~TTableauJsonEnFlux();
+  void Ajoute(const json& element);
+
+ private:
+  bool Premier = true;
+};
+
 // Barre de progression sur stderr (muette quand stderr n'est pas un terminal).
 // Ctrl-C lève le drapeau d'abandon de la progression active.
 class TProgressionTerminal : public rqbase::TProgression {

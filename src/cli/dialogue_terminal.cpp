@@ -15,12 +15,12 @@ int TDialogueTerminal::Question(const std::string& texte, const std::string& tit
   if (Ctx.Non) return ReponseNon;
   std::cerr << VersUtf8(titre) << "\n" << VersUtf8(texte) << "\n";
   if (!::isatty(STDIN_FILENO)) {
-    std::cerr << "(pas de terminal : réponse Annuler ; --oui ou --non pour répondre)\n";
+    std::cerr << U("(pas de terminal : réponse Annuler ; --oui ou --non pour répondre)") << "\n";
     return boutons == TBoutons::OuiNon ? ReponseNon : ReponseAnnuler;
   }
   const bool avecAnnuler = boutons == TBoutons::OuiNonAnnuler;
   for (;;) {
-    std::cerr << (avecAnnuler ? "[o]ui / [n]on / [a]nnuler ? " : "[o]ui / [n]on ? ");
+    std::cerr << (avecAnnuler ? "[o]ui / [n]on / [a]nnuler ? " : "[o]ui / [n]on ? ") << std::flush;
     std::string ligne;
     if (!std::getline(std::cin, ligne)) return avecAnnuler ? ReponseAnnuler : ReponseNon;
     if (ligne == "o" || ligne == "O" || ligne == "oui") return ReponseOui;
