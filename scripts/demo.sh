@@ -24,3 +24,11 @@ printf '\n== Créer par-dessus un dossier existant ne change rien (réponse Non)
 "$rqbase" --non creer Famille || echo "(code de sortie $?)"
 etape "Suppression de la copie" --oui supprimer Archive
 ls
+
+etape "Le catalogue des champs du dossier" catalogue Famille
+etape "Un champ en entier" catalogue Famille --champ NAISSANCE
+etape "Une date tapée comme un utilisateur" date analyser "3 mars 1802"
+etape "Une date républicaine vers le grégorien" date convertir "12 Ventôse 10" --calendrier R --vers G
+etape "Tout ce qu'on sait d'une date" --json date info "14/07/1789"
+etape "Écart entre deux dates" date ecart "14/07/1789" "21/01/1793"
+etape "Pâques 1802" date paques 1802

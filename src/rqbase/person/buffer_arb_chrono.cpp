@@ -22,7 +22,6 @@ TPerson* TBufferisationArbChrono::GetPerson(long no, bool complement) {
 
 void TBufferisationArbChrono::AjoutePersonne(TPerson* personne) {
   std::unique_ptr<TPerson> possedee(personne);
-  if (Capacite == 0) return;
   // Voulu : c'est le plus petit numéro qui part, pas le moins récemment lu.
   if (Personnes.size() >= Capacite) Personnes.erase(Personnes.begin());
   Personnes[personne->No()] = std::move(possedee);

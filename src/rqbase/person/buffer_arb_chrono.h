@@ -5,6 +5,7 @@
 // plus petit, pas le plus ancien. Le cache appartient au TFicPersons du dossier et
 // sert le fil de ce dossier, sans verrou. Une personne trouvée ne coûte aucun accès disque.
 #pragma once
+#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -14,8 +15,9 @@ namespace rqbase {
 
 class TBufferisationArbChrono : public TCachePersonnes {
  public:
+  // Au moins une place : GetPerson rend la personne qu'il vient d'ajouter.
   explicit TBufferisationArbChrono(TFicPersons* fic, size_t capacite = TFicPersons::CapaciteCache)
-      : Fic(fic), Capacite(capacite) {}
+      : Fic(fic), Capacite(std::max<size_t>(1, capacite)) {}
 
   // Le cache du fichier, créé au premier appel.
   static TBufferisationArbChrono& De(TFicPersons& fic);
