@@ -45,21 +45,6 @@ const TCodeType* ChercheType(int type) {
   return nullptr;
 }
 
-// Découpe sur un séparateur, en vues sur le texte (une seule passe par liste).
-std::vector<std::string_view> Decoupe(std::string_view texte, char separateur) {
-  std::vector<std::string_view> r;
-  if (texte.empty()) return r;
-  size_t debut = 0;
-  for (;;) {
-    const size_t p = texte.find(separateur, debut);
-    if (p == std::string_view::npos) {
-      r.push_back(texte.substr(debut));
-      return r;
-    }
-    r.push_back(texte.substr(debut, p - debut));
-    debut = p + 1;
-  }
-}
 
 // Conversion tolérante : un entier décimal entouré de blancs, sinon `defaut`.
 long EntierDef(std::string_view s, long defaut) {
@@ -198,7 +183,7 @@ void TChpCs::SetNbMorceaux(int n) {
 }
 
 void TChpCs::Decode(const std::string& ligne) {
-  const auto cols = Decoupe(ligne, '\t');
+  const auto cols = DecoupeElts(ligne, '\t');
   const int nbTab = cols.empty() ? 0 : int(cols.size()) - 1;
   auto col = [&](int no) -> std::string_view {
     return no >= 1 && no <= int(cols.size()) ? cols[size_t(no - 1)] : std::string_view();
@@ -319,7 +304,7 @@ std::string TChpCs::Code() const {
 }
 
 void TChpCs::DecompTailleMorceau(const std::string& liste) {
-  const auto elts = Decoupe(liste, ',');
+  const auto elts = DecoupeElts(liste, ',');
   for (int i = 0; i < NbMorceaux && size_t(i) < elts.size(); ++i) {
     // Une largeur illisible laisse celle du morceau (15 pour un morceau neuf).
     const long v = EntierDef(elts[size_t(i)], -1);
@@ -329,7 +314,7 @@ void TChpCs::DecompTailleMorceau(const std::string& liste) {
 }
 
 void TChpCs::DecompNomMorceaux(const std::string& liste) {
-  const auto elts = Decoupe(liste, ',');
+  const auto elts = DecoupeElts(liste, ',');
   if (Type == tcCpc) {
     // Une liste de choix : les noms sont les choix, leur nombre fait les morceaux.
     SetNbMorceaux(int(std::min<size_t>(elts.size(), kNbMorceauxMax)));
@@ -346,13 +331,13 @@ void TChpCs::DecompNomMorceaux(const std::string& liste) {
 }
 
 void TChpCs::DecompSousTagGedCom(const std::string& liste) {
-  const auto elts = Decoupe(liste, ',');
+  const auto elts = DecoupeElts(liste, ',');
   for (int i = 0; i < NbMorceaux; ++i)
     SousTagGedCom[size_t(i)] = size_t(i) < elts.size() ? Trim(elts[size_t(i)]) : std::string();
 }
 
 void TChpCs::DecompIndexFicDupli(const std::string& liste) {
-  const auto elts = Decoupe(liste, ',');
+  const auto elts = DecoupeElts(liste, ',');
   for (int i = 0; i < NbMorceaux; ++i) {
     const long v = size_t(i) < elts.size() ? EntierDef(elts[size_t(i)], 0) : 0;
     // Un numéro négatif ne désigne aucun dictionnaire.
@@ -521,7 +506,7 @@ void TChpCs::GetEquivalencesCascades(const TDefChpsCs* catalogue, TStringList& r
                                      bool cascade) const {
   if (vus.IndexOf(LibelleInterne) >= 0) return;
   vus.Add(LibelleInterne);
-  for (auto e : Decoupe(Equivalents, '|')) {
+  for (auto e : DecoupeElts(Equivalents, '|')) {
     const std::string libelle(e);
     if (libelle.empty() || libelle == LibelleInterne || resultat.IndexOf(libelle) >= 0) continue;
     if (vus.IndexOf(libelle) >= 0) continue;

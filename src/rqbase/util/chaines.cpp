@@ -1,11 +1,8 @@
 #include "rqbase/util/chaines.h"
 
-#include <vector>
-
 namespace rqbase {
-namespace {
 
-std::vector<std::string_view> Decoupe(std::string_view texte, char separateur) {
+std::vector<std::string_view> DecoupeElts(std::string_view texte, char separateur) {
   std::vector<std::string_view> elts;
   if (texte.empty()) return elts;
   size_t debut = 0;
@@ -20,12 +17,10 @@ std::vector<std::string_view> Decoupe(std::string_view texte, char separateur) {
   }
 }
 
-}  // namespace
-
-int NombreElts(std::string_view texte, char separateur) { return int(Decoupe(texte, separateur).size()); }
+int NombreElts(std::string_view texte, char separateur) { return int(DecoupeElts(texte, separateur).size()); }
 
 std::string EltNo(int no, std::string_view texte, char separateur) {
-  const auto elts = Decoupe(texte, separateur);
+  const auto elts = DecoupeElts(texte, separateur);
   if (no < 1 || no > int(elts.size())) return {};
   return std::string(elts[size_t(no - 1)]);
 }
@@ -33,7 +28,7 @@ std::string EltNo(int no, std::string_view texte, char separateur) {
 std::string RemplEltNo(int no, std::string_view texte, char separateur, std::string_view valeur) {
   if (no < 1) return std::string(texte);
   std::vector<std::string> elts;
-  for (auto e : Decoupe(texte, separateur)) elts.emplace_back(e);
+  for (auto e : DecoupeElts(texte, separateur)) elts.emplace_back(e);
   if (int(elts.size()) < no) elts.resize(size_t(no));
   elts[size_t(no - 1)] = valeur;
   std::string r;

@@ -3,8 +3,13 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace rqbase {
+
+// Les éléments d'un texte séparé, en vues sur le texte (qui doit survivre aux vues).
+// Un texte vide n'a aucun élément.
+std::vector<std::string_view> DecoupeElts(std::string_view texte, char separateur);
 
 // Éléments d'un texte séparé par `separateur`, comptés à partir de 1.
 // Un texte vide n'a aucun élément ; "a;;b" en a trois.
