@@ -63,21 +63,27 @@ std::vector<std::string> Decoupe(const std::string& texte) {
   return parties;
 }
 
-// Mois en lettres, comparé sans casse ni accents aux deux colonnes de noms et aux
-// deux formes courtes : d'abord à l'identique, puis par début.
-int ChercheMoisEnLettres(const std::string& tape, char calendrier) {
-  std::string cherche = tape;
-  while (!cherche.empty() && cherche.back() == '.') cherche.pop_back();
-  cherche = Replie(cherche);
-  if (cherche.empty()) return 0;
-  const int nombre = calendrier == 'R' ? 13 : calendrier == 'H' ? 13 : 12;
-  std::vector<std::vector<std::string>> noms(nombre + 1);
-  for (int m = 1; m <= nombre; ++m) {
+// Noms de mois repliés (majuscules sans accents) d'un calendrier, rangée par rangée
+// dans l'ordre des colonnes : code et nom en républicain, les deux formes courtes
+// et les deux noms ailleurs. Les textes numérotés sont fixes : la table se
+// construit une fois par calendrier, au premier besoin.
+struct TNomsMoisReplies {
+  int nombre = 0;
+  int colonnes = 0;
+  std::string noms[14][4];
+};
+
+TNomsMoisReplies ConstruitNomsMois(char calendrier) {
+  TNomsMoisReplies t;
+  t.nombre = calendrier == 'R' ? 13 : calendrier == 'H' ? 13 : 12;
+  t.colonnes = calendrier == 'R' ? 2 : 4;
+  for (int m = 1; m <= t.nombre; ++m) {
     if (calendrier == 'R') {
       std::string code, nom;
       int no2;
       RetourneMoisRepublicain2(m, code, nom, no2);
-      noms[m] = {Replie(code), Replie(nom)};
+      t.noms[m][0] = Replie(code);
+      t.noms[m][1] = Replie(nom);
     } else {
       std::string c1, n1, c2, n2;
       if (calendrier == 'H') {
@@ -87,15 +93,45 @@ int ChercheMoisEnLettres(const std::string& tape, char calendrier) {
         RetourneMoisGregorien(m, c1, n1, true);
         RetourneMoisGregorien(m, c2, n2, false);
       }
-      noms[m] = {Replie(c1), Replie(n1), Replie(c2), Replie(n2)};
+      t.noms[m][0] = Replie(c1);
+      t.noms[m][1] = Replie(n1);
+      t.noms[m][2] = Replie(c2);
+      t.noms[m][3] = Replie(n2);
     }
   }
-  for (int m = 1; m <= nombre; ++m)
-    for (const auto& n : noms[m])
-      if (n == cherche) return m;
-  for (int m = 1; m <= nombre; ++m)
-    for (const auto& n : noms[m])
+  return t;
+}
+
+// Initialisations statiques locales : sûres entre fils d'exécution.
+const TNomsMoisReplies& NomsMois(char calendrier) {
+  if (calendrier == 'R') {
+    static const TNomsMoisReplies republicain = ConstruitNomsMois('R');
+    return republicain;
+  }
+  if (calendrier == 'H') {
+    static const TNomsMoisReplies hebraique = ConstruitNomsMois('H');
+    return hebraique;
+  }
+  static const TNomsMoisReplies gregorien = ConstruitNomsMois('G');
+  return gregorien;
+}
+
+// Mois en lettres, comparé sans casse ni accents aux deux colonnes de noms et aux
+// deux formes courtes : d'abord à l'identique, puis par début.
+int ChercheMoisEnLettres(const std::string& tape, char calendrier) {
+  std::string_view sansPoints = tape;
+  while (!sansPoints.empty() && sansPoints.back() == '.') sansPoints.remove_suffix(1);
+  if (sansPoints.empty()) return 0;
+  const std::string cherche = Replie(sansPoints);
+  const TNomsMoisReplies& t = NomsMois(calendrier);
+  for (int m = 1; m <= t.nombre; ++m)
+    for (int c = 0; c < t.colonnes; ++c)
+      if (t.noms[m][c] == cherche) return m;
+  for (int m = 1; m <= t.nombre; ++m)
+    for (int c = 0; c < t.colonnes; ++c) {
+      const std::string& n = t.noms[m][c];
       if (n.size() > cherche.size() && n.compare(0, cherche.size(), cherche) == 0) return m;
+    }
   return 0;
 }
 

@@ -136,7 +136,8 @@ class TDateRQ {
   int CalcNbJoursAbs(bool exact, std::string_view reference = "01/01/0001") const;
 
   // --- Ordre ---
-  static int CompareDate(TDateRQ d1, TDateRQ d2, int defaut);
+  // Les deux dates sont lues comme des copies (voir le constructeur de copie) : rien ne change.
+  static int CompareDate(const TDateRQ& d1, const TDateRQ& d2, int defaut);
   bool operator<(const TDateRQ& autre) const;
 
   // --- Mots ---
@@ -158,6 +159,10 @@ class TDateRQ {
   std::string TexteBrut() const;  // jusqu'au premier zéro
   std::string ActeNormalise() const;  // sans blancs, en majuscules
   std::string TexteAnnee() const;     // positions 9-10 en 'R', 7-10 sinon
+
+  // Ce que CompareDate lit d'une date, calculé sans rien construire (voir bo_jours.cpp).
+  struct TCleOrdre;
+  static void CleOrdre(const TDateRQ& d, TCleOrdre& cle);
 
   char Acte[3];
   char Calendrier;

@@ -1,10 +1,12 @@
 #include "rqbase/dates/calendriers.h"
 
 #include <algorithm>
+#include <cstring>
 #include <ctime>
 
 #include "rqbase/dates/conversions.h"
 #include "rqbase/dates/interne.h"
+#include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/ressources.h"
 #include "rqbase/util/chaines.h"
 #include "rqbase/util/date_heure.h"
@@ -45,6 +47,20 @@ THeureLocale Maintenant_() {
 }
 
 }  // namespace
+
+namespace dates_interne {
+
+int NumeroMoisRepublicain(std::string_view code) {
+  if (code.size() != 4) return 0;
+  char replie[4];
+  for (std::size_t i = 0; i < 4; ++i)
+    replie[i] = static_cast<char>(MajusculeCp1252(SansAccentCp1252(static_cast<unsigned char>(code[i]))));
+  for (int i = 0; i < 13; ++i)
+    if (std::memcmp(replie, kCodesRepublicains[i], 4) == 0) return i + 1;
+  return 0;
+}
+
+}  // namespace dates_interne
 
 bool AnneeOk(int annee) { return annee >= 0 && annee <= 3000; }
 bool MoisOk(int mois) { return mois >= 1 && mois <= 12; }
@@ -122,14 +138,9 @@ int RetourneMoisHebraique(int mois, std::string& court, std::string& nom, bool p
 }
 
 int RetourneMoisRepublicain(std::string_view code, std::string& nom) {
-  const std::string cherche = Replie(code);
-  for (int i = 0; i < 13; ++i)
-    if (cherche == kCodesRepublicains[i]) {
-      nom = Trim(Milieu(Ressource(1808 + i), 9, 15));
-      return i + 1;
-    }
-  nom = "....";
-  return 0;
+  const int no = NumeroMoisRepublicain(code);
+  nom = no ? Trim(Milieu(Ressource(1807 + no), 9, 15)) : std::string("....");
+  return no;
 }
 
 int RetourneMoisRepublicain2(int no, std::string& code, std::string& nom, int& no2) {

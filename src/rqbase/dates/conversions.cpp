@@ -1,5 +1,6 @@
 #include "rqbase/dates/conversions.h"
 
+#include <atomic>
 #include <cmath>
 
 #include "rqbase/dates/calendriers.h"
@@ -50,17 +51,58 @@ std::string ConvFourchette(std::string_view date, int largeurSource, int largeur
   return ca + "/" + cb;
 }
 
+// Une conversion d'année ne dépend que de l'année : elle se garde une fois faite,
+// pour les années qu'un texte de date peut écrire. Zéro veut dire « pas encore
+// calculé », d'où la valeur gardée plus un (une conversion ratée vaut 0). Deux fils
+// qui calculent la même année y écrivent la même valeur.
+template <int N, typename F>
+int AnneeGardee(std::atomic<int> (&garde)[N], int annee, F calcule) {
+  if (annee < 0 || annee >= N) return calcule(annee);
+  int v = garde[annee].load(std::memory_order_relaxed);
+  if (v == 0) {
+    v = calcule(annee) + 1;
+    garde[annee].store(v, std::memory_order_relaxed);
+  }
+  return v - 1;
+}
+
+std::atomic<int> gAnneesHebrGreg[10000];
+std::atomic<int> gAnneesRepubGreg[100];
+
 }  // namespace
 
-int CalculNbJours(std::string_view date) {
-  const int jour = ToIntInString(Milieu(date, 1, 2));
-  std::string nom;
-  const int mois = RetourneMoisRepublicain(Milieu(date, 4, 4), nom);
-  const int annee = ToIntInString(Milieu(date, 9, 2));
+int dates_interne::NbJoursRepublicains(int jour, int mois, int annee) {
   int n = (mois * 30 - 30) + 365 * annee + jour - 366;
   for (int bissextile : {3, 7, 11})
     if (annee > bissextile) ++n;
   return n;
+}
+
+void dates_interne::GregorienDepuisJoursRepublicains(int n, int& jour, int& mois, int& annee) {
+  int annees = 0;
+  // Les années grégoriennes comptées du 22 septembre : 366 jours quand elles
+  // contiennent un 29 février (1796 et 1804, rangs 3 et 11).
+  while (true) {
+    const int longueur = (annees == 3 || annees == 11) ? 366 : 365;
+    if (n < longueur) break;
+    n -= longueur;
+    ++annees;
+  }
+  const bool fevrier29 = AnneeBissextileRQ(1793 + annees);
+  const int longueurs[13] = {9, 31, 30, 31, 31, fevrier29 ? 29 : 28, 31, 30, 31, 30, 31, 31, 30};
+  int index = 0;
+  while (index < 12 && n >= longueurs[index]) {
+    n -= longueurs[index];
+    ++index;
+  }
+  jour = n + 1 + (index == 0 ? 21 : 0);
+  mois = index < 4 ? index + 9 : index - 3;
+  annee = index < 4 ? 1792 + annees : 1793 + annees;
+}
+
+int CalculNbJours(std::string_view date) {
+  return NbJoursRepublicains(ToIntInString(Milieu(date, 1, 2)), NumeroMoisRepublicain(Milieu(date, 4, 4)),
+                             ToIntInString(Milieu(date, 9, 2)));
 }
 
 int JourJulien(std::string_view date) {
@@ -83,34 +125,17 @@ std::string ConvRepublicainGregorien(std::string_view date) {
   if (date.size() < 10) return {};
   const std::string jourTexte = Milieu(date, 1, 2), moisTexte = Milieu(date, 4, 4), anneeTexte = Milieu(date, 9, 2);
   if (!PartieConnue(anneeTexte)) return "../../....";
-  std::string nom;
-  const bool moisConnu = RetourneMoisRepublicain(moisTexte, nom) != 0;
+  const int noMois = NumeroMoisRepublicain(moisTexte);
+  const bool moisConnu = noMois != 0;
   const bool jourConnu = PartieConnue(jourTexte);
   if (!moisConnu && moisTexte != "....") return {};
-  // Mois inconnu : le jour fixe du milieu de l'année ; jour inconnu : le milieu du mois.
-  const std::string calcul = moisConnu ? (jourConnu ? jourTexte : "15") + "/" + Replie(moisTexte) + "/" + anneeTexte
-                                       : "07/FLOR/" + anneeTexte;
-  int n = CalculNbJours(calcul);
+  // Mois inconnu : le jour fixe du milieu de l'année (7 floréal) ; jour inconnu : le milieu du mois.
+  const int anneeCalcul = ToIntInString(anneeTexte);
+  const int n = moisConnu ? NbJoursRepublicains(jourConnu ? ToIntInString(jourTexte) : 15, noMois, anneeCalcul)
+                          : NbJoursRepublicains(7, 8, anneeCalcul);
   if (n < 0) return {};
-  int annees = 0;
-  // Les années grégoriennes comptées du 22 septembre : 366 jours quand elles
-  // contiennent un 29 février (1796 et 1804, rangs 3 et 11).
-  while (true) {
-    const int longueur = (annees == 3 || annees == 11) ? 366 : 365;
-    if (n < longueur) break;
-    n -= longueur;
-    ++annees;
-  }
-  const bool fevrier29 = AnneeBissextileRQ(1793 + annees);
-  const int longueurs[13] = {9, 31, 30, 31, 31, fevrier29 ? 29 : 28, 31, 30, 31, 30, 31, 31, 30};
-  int index = 0;
-  while (index < 12 && n >= longueurs[index]) {
-    n -= longueurs[index];
-    ++index;
-  }
-  int jour = n + 1 + (index == 0 ? 21 : 0);
-  const int mois = index < 4 ? index + 9 : index - 3;
-  const int annee = index < 4 ? 1792 + annees : 1793 + annees;
+  int jour, mois, annee;
+  GregorienDepuisJoursRepublicains(n, jour, mois, annee);
   if (!moisConnu) return "../../" + Zeros(annee, 4);
   if (!jourConnu) return "../" + Zeros(mois, 2) + "/" + Zeros(annee, 4);
   return TexteNumerique(jour, mois, annee);
@@ -173,7 +198,7 @@ std::string ConvHebraiqueGregorien(std::string_view date) {
   const std::string calcul =
       moisConnu ? (jourConnu ? jourTexte : "15") + "/" + moisTexte + "/" + anneeTexte : "18/08/" + anneeTexte;
   ConvJuif conv;
-  if (!conv.convJuif_civil(calcul)) return {};
+  if (!conv.convJuif_civilReponse(calcul)) return {};
   const std::string r = conv.getReponse();
   if (!moisConnu) return "../../" + Milieu(r, 7, 4);
   if (!jourConnu) return "../" + Milieu(r, 4, 7);
@@ -188,13 +213,17 @@ int ConvAnneeGregHebr(int annee) {
 
 int ConvAnneeHebrGreg(int annee) {
   if (annee < 1 || annee > 9999) return 0;
-  ConvJuif conv;
-  return conv.convJuif_civil("18/08/" + Zeros(annee, 4)) ? ToIntInString(Milieu(conv.getReponse(), 7, 4)) : 0;
+  return AnneeGardee(gAnneesHebrGreg, annee, [](int a) {
+    ConvJuif conv;
+    return conv.convJuif_civilReponse("18/08/" + Zeros(a, 4)) ? ToIntInString(Milieu(conv.getReponse(), 7, 4)) : 0;
+  });
 }
 
 int ConvAnneeRepubGreg(int annee) {
   if (annee < 1 || annee > 99) return 0;
-  return ToIntInString(Milieu(ConvRepublicainGregorien("07/FLOR/" + Zeros(annee, 2)), 7, 4));
+  return AnneeGardee(gAnneesRepubGreg, annee, [](int a) {
+    return ToIntInString(Milieu(ConvRepublicainGregorien("07/FLOR/" + Zeros(a, 2)), 7, 4));
+  });
 }
 
 int ConvAnneeGregRepub(int annee) {

@@ -1,5 +1,7 @@
 #include "rqbase/dates/convjuif.h"
 
+#include <atomic>
+
 #include "rqbase/dates/calendriers.h"
 #include "rqbase/dates/interne.h"
 #include "rqbase/platform/ressources.h"
@@ -184,7 +186,30 @@ void ConvJuif::correctJulienGreg() {
 
 void ConvJuif::j_sem() { jour = RetourneJour(static_cast<int>(((jdnResultat + 1) % 7 + 7) % 7)); }
 
+namespace {
+
+// Le 1er Tichri ne dépend que de l'année : on le garde, année par année, pour
+// toutes les années qu'un texte "jj/mm/aaaa" peut atteindre (l'année civile 9999
+// mène à l'an 13760 du comput). Zéro veut dire « pas encore calculé » : aucun
+// 1er Tichri d'une année positive ne tombe au jour zéro. Deux fils qui calculent
+// la même année y écrivent la même valeur.
+constexpr int kAnneesGardees = 16384;
+std::atomic<std::int64_t> gJdnRochHachana[kAnneesGardees];
+
+}  // namespace
+
 std::int64_t ConvJuif::JdnRochHachana(int annee) {
+  if (annee < 1 || annee >= kAnneesGardees) return CalculeJdnRochHachana(annee);
+  std::atomic<std::int64_t>& garde = gJdnRochHachana[annee];
+  std::int64_t jdn = garde.load(std::memory_order_relaxed);
+  if (jdn == 0) {
+    jdn = CalculeJdnRochHachana(annee);
+    garde.store(jdn, std::memory_order_relaxed);
+  }
+  return jdn;
+}
+
+std::int64_t ConvJuif::CalculeJdnRochHachana(int annee) {
   ConvJuif c;
   c.anneeHeb = annee;
   c.moladTichri();
@@ -224,6 +249,12 @@ bool ConvJuif::controleJuif() {
 }
 
 bool ConvJuif::ResultatCivil(std::int64_t jdn) {
+  if (!CivilDepuisJdn(jdn)) return false;
+  setReponse(Texte(jourCivil, moisCivil, anneeCivile));
+  return true;
+}
+
+bool ConvJuif::CivilDepuisJdn(std::int64_t jdn) {
   std::int64_t a;
   int m, j;
   if (jdn >= kJdnDebutCorrection && jdn <= kJdnFinJulien) {
@@ -237,9 +268,7 @@ bool ConvJuif::ResultatCivil(std::int64_t jdn) {
     DepuisJdnGregorien(jdn, a, m, j);
     SetCivil(j, m, static_cast<int>(a));
   }
-  if (anneeCivile < 1 || anneeCivile > 9999) return false;
-  setReponse(Texte(jourCivil, moisCivil, anneeCivile));
-  return true;
+  return anneeCivile >= 1 && anneeCivile <= 9999;
 }
 
 bool ConvJuif::convJuif_civil(std::string_view date) {
@@ -261,6 +290,30 @@ bool ConvJuif::convJuif_civil(std::string_view date) {
   setDistrib(TypeAnnee());
   j_sem();
   return true;
+}
+
+bool ConvJuif::convJuif_civilReponse(std::string_view date) {
+  reponse.clear();
+  distrib.clear();
+  jour.clear();
+  int j, m, a;
+  if (!LitTroisNombres(date, j, m, a)) return false;
+  if (!convJuif_civilNombres(j, m, a)) return false;
+  setReponse(Texte(jourCivil, moisCivil, anneeCivile));
+  return true;
+}
+
+bool ConvJuif::convJuif_civilNombres(int j, int m, int a) {
+  if (a < 1) return false;
+  anneeHeb = a;
+  jourHeb = j;
+  moisHeb = m;
+  embolismic(a);
+  if (!controleJuif()) return false;
+  std::int64_t jdn = JdnRochHachana(a) + j - 1;
+  for (int i = 1; i < m; ++i) jdn += longueurs[i];
+  jdnResultat = jdn;
+  return CivilDepuisJdn(jdn);
 }
 
 bool ConvJuif::convCivil_juif(std::string_view date) {

@@ -27,6 +27,13 @@ class ConvJuif {
   // qui n'existe pas cette année-là (30 Hechvan d'une année défective, Adar II
   // d'une année commune...).
   bool convJuif_civil(std::string_view date);
+  // La même réponse que convJuif_civil, sans rien de plus : ni la nature de
+  // l'année (getDistrib), ni le jour de la semaine (getJour), ni les jours de
+  // Roch Hachana et de Nissan. Pour les conversions de texte, qui ne lisent que la réponse.
+  bool convJuif_civilReponse(std::string_view date);
+  // Le même calcul sur le jour, le mois et l'année déjà lus : ni texte lu ni
+  // réponse écrite, le résultat est dans JourCivil, MoisCivil et AnneeCivile.
+  bool convJuif_civilNombres(int jour, int mois, int annee);
 
   void setReponse(std::string texte) { reponse = std::move(texte); }
   void setDistrib(std::string texte) { distrib = std::move(texte); }
@@ -92,12 +99,15 @@ class ConvJuif {
   }
   int LongueurMois(int mois) const { return (mois >= 1 && mois <= 13) ? longueurs[mois] : 0; }
   // Numéro de jour julien chronologique du 1er Tichri de l'année (année >= 1).
+  // Gardé par année une fois calculé (sûr entre fils d'exécution).
   static std::int64_t JdnRochHachana(int annee);
 
  private:
+  static std::int64_t CalculeJdnRochHachana(int annee);
   void PoseAnnee(int annee);
   std::string TypeAnnee() const;
   bool ResultatCivil(std::int64_t jdn);
+  bool CivilDepuisJdn(std::int64_t jdn);  // ResultatCivil sans la réponse
 
   std::string reponse, distrib, jour;
   int jourCivil = 0, moisCivil = 0, anneeCivile = 0;

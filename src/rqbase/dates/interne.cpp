@@ -1,6 +1,7 @@
 #include "rqbase/dates/interne.h"
 
-#include <charconv>
+#include <algorithm>
+#include <climits>
 #include <cstdio>
 
 #include "rqbase/platform/cp1252.h"
@@ -9,16 +10,27 @@ namespace rqbase::dates_interne {
 
 int ToIntInString(std::string_view texte, std::size_t debut) {
   if (debut >= texte.size()) return 0;
-  std::string_view morceau = texte.substr(debut, 20);
-  if (auto point = morceau.find('.'); point != std::string_view::npos) morceau = morceau.substr(0, point);
-  std::string filtre;
-  for (char c : morceau)
-    if ((c >= '0' && c <= '9') || c == '-') filtre += c;
-  if (filtre.empty()) return 0;
-  int valeur = 0;
-  auto [fin, erreur] = std::from_chars(filtre.data(), filtre.data() + filtre.size(), valeur);
-  if (erreur != std::errc() || fin != filtre.data() + filtre.size()) return 0;
-  return valeur;
+  const std::string_view morceau = texte.substr(debut, 20);
+  // Lu à la main, sans rien construire : cette lecture est sur le chemin de chaque
+  // comparaison de dates. Même règle que la lecture d'un entier par from_chars sur les
+  // seuls chiffres et signes moins : un moins en tête au plus, puis au moins un
+  // chiffre et rien d'autre, sans dépasser la capacité d'un int ; sinon 0.
+  bool negatif = false, chiffre = false;
+  std::int64_t valeur = 0;
+  for (char c : morceau) {
+    if (c == '.') break;  // arrêt au premier point décimal
+    if (c == '-') {
+      if (negatif || chiffre) return 0;
+      negatif = true;
+    } else if (c >= '0' && c <= '9') {
+      chiffre = true;
+      valeur = valeur * 10 + (c - '0');
+      if (valeur > std::int64_t{INT_MAX} + 1) return 0;
+    }
+  }
+  if (!chiffre) return 0;
+  if (negatif) return static_cast<int>(-valeur);
+  return valeur > INT_MAX ? 0 : static_cast<int>(valeur);
 }
 
 std::string Milieu(std::string_view texte, std::size_t position, std::size_t longueur) {
@@ -33,6 +45,19 @@ std::string SansBlancsFin(std::string_view texte) {
 }
 
 std::string Zeros(int valeur, int largeur) {
+  // Le cas de toutes les dates (nombre positif, largeur 2 ou 4) s'écrit à la main :
+  // snprintf coûtait plus que tout le reste d'une conversion de date.
+  if (valeur >= 0 && largeur >= 0 && largeur <= 16) {
+    char chiffres[16];
+    int n = 0;
+    do {
+      chiffres[n++] = static_cast<char>('0' + valeur % 10);
+      valeur /= 10;
+    } while (valeur != 0);
+    std::string r(static_cast<std::size_t>(std::max(n, largeur)), '0');
+    for (int i = 0; i < n; ++i) r[r.size() - 1 - static_cast<std::size_t>(i)] = chiffres[i];
+    return r;
+  }
   char tampon[32];
   std::snprintf(tampon, sizeof tampon, "%0*d", largeur, valeur);
   return tampon;

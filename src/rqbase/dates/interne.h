@@ -25,6 +25,16 @@ std::string Zeros(int valeur, int largeur);
 // Texte en majuscules sans accents (Windows-1252), pour comparer des noms de mois.
 std::string Replie(std::string_view texte);
 
+// Numéro (1 à 13) d'un code de mois républicain, casse et accents indifférents ;
+// 0 pour un texte qui n'est pas un code. Sans rien construire : la conversion
+// républicaine passe par là à chaque date.
+int NumeroMoisRepublicain(std::string_view code);
+
+// Jours républicains depuis le 1er vendémiaire an I (CalculNbJours sur des nombres),
+// et leur date grégorienne par les tables des années et des mois (n >= 0).
+int NbJoursRepublicains(int jour, int mois, int annee);
+void GregorienDepuisJoursRepublicains(int n, int& jour, int& mois, int& annee);
+
 // Numéro de jour julien chronologique (entier, midi) d'une date du calendrier
 // julien ou du calendrier grégorien proleptique, et l'inverse.
 std::int64_t JdnJulien(std::int64_t annee, int mois, int jour);
