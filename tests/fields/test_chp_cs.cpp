@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <random>
+
+#include <unistd.h>
 
 #include "rqbase/fields/chp_cs.h"
 #include "rqbase/fields/def_chps_cs.h"
@@ -270,4 +273,33 @@ TEST(ChpCs, CopieProfondeEtSetNbMorceaux) {
   copie.SetNbMorceaux(0);
   EXPECT_TRUE(copie.NomMorceaux.empty());
   EXPECT_EQ(copie.RetTailleMorceauChn(), "");
+}
+
+// Modèles de note : un fichier n'est écrit que pour un texte qui n'est pas le modèle
+// intégré ; un champ sans modèle intégré a le texte vide pour modèle.
+TEST(ChpCs, ModeleDeNoteNEcritQueCeQuiDiffereDuModeleIntegre) {
+  const auto dossier = std::filesystem::temp_directory_path() / ("rq_modele_" + std::to_string(::getpid()));
+  std::filesystem::remove_all(dossier);
+  std::filesystem::create_directories(dossier);
+  const std::string d = dossier.string();
+
+  auto titre = Lit(LigneDefaut("TITRE"));
+  EXPECT_FALSE(titre->ExistModelNote(d));
+  EXPECT_TRUE(titre->SaveModelNote(d, ""));
+  EXPECT_FALSE(std::filesystem::exists(titre->GetPathModelNote(d)));
+  EXPECT_FALSE(titre->ExistModelNote(d));
+  EXPECT_TRUE(titre->SaveModelNote(d, "Grade :\r\nCorps :"));
+  EXPECT_TRUE(titre->ExistModelNote(d));
+  EXPECT_EQ(titre->GetModelNote(d), "Grade :\r\nCorps :");
+  EXPECT_TRUE(titre->SaveModelNote(d, ""));  // le fichier existant est vidé, pas supprimé
+  EXPECT_EQ(std::filesystem::file_size(titre->GetPathModelNote(d)), 0u);
+
+  auto reg = Lit(LigneDefaut("REGISTRE_MATRICULE"));
+  EXPECT_EQ(reg->GetPathModelNote(d), d + "/REGISTRE_MATRICULE_MODEL.txt");
+  EXPECT_TRUE(reg->ExistModelNote(d));  // modèle intégré, sans fichier
+  EXPECT_TRUE(reg->SaveModelNote(d, reg->GetModelNote(d)));
+  EXPECT_FALSE(std::filesystem::exists(reg->GetPathModelNote(d)));
+  EXPECT_TRUE(reg->SaveModelNote(d, "Liste des blessures : aucune"));
+  EXPECT_EQ(reg->GetModelNote(d), "Liste des blessures : aucune");
+  std::filesystem::remove_all(dossier);
 }

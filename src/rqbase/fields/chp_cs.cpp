@@ -544,8 +544,9 @@ std::string TChpCs::GetModelNote(const std::string& dossierCatalogue) const {
 
 bool TChpCs::SaveModelNote(const std::string& dossierCatalogue, const std::string& texte) const {
   const std::string chemin = GetPathModelNote(dossierCatalogue);
-  if (NoModele != -1 && texte == ModeleNoteIntegre(NoModele)) {
-    // Le modèle intégré n'a pas besoin de fichier : un fichier existant est vidé.
+  // Le modèle intégré n'a pas besoin de fichier : un fichier existant est vidé. Sans
+  // modèle intégré, le modèle est le texte vide : l'enregistrer ne crée aucun fichier.
+  if (texte == ModeleNoteIntegre(NoModele)) {
     if (FichierExiste(chemin)) return EcritFichierTexte(chemin, "");
     return true;
   }
