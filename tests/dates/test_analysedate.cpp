@@ -61,6 +61,10 @@ TEST(AnalyseDate, FormesGregoriennes) {
       {"3001", 'G', true, 7, nullptr},
       {"1850/3001", 'G', true, 7, nullptr},
       {"123/01/1900", 'G', true, 0, nullptr},
+      {"???/10/1969", 'G', true, 0, nullptr},  // trois inconnus : trop long, même en points
+      {".../10/1969", 'G', true, 0, nullptr},
+      {"15/10/?????", 'G', true, 4, nullptr},
+      {"15/10/.....", 'G', true, 4, nullptr},
       {"1?/.10/1969", 'G', true, 8, nullptr},
       {"12/123/1969", 'G', true, 8, nullptr},
       {"a1/01/1900", 'G', true, 1, nullptr},
@@ -105,6 +109,7 @@ TEST(AnalyseDate, RepublicainEtHebreu) {
       {"6 comp 4", 'R', true, 9, nullptr},
       {"1 vend 20", 'R', true, 7, nullptr},
       {"1 vend 1797", 'R', true, 4, nullptr},
+      {"1 vend ???", 'R', true, 4, nullptr},
       {"1 14 5", 'R', true, 2, nullptr},
       {"15 nissan 5784", 'H', true, -1, "15/08/5784"},
       {"30 adar 5784", 'H', true, -1, "30/06/5784"},

@@ -50,13 +50,33 @@ TEST(ConvJuif, FevrierEtDecalageJulien) {
   ConvJuif c;
   struct {
     int annee, fevrier, decalage;
-  } lignes[] = {{1500, 29, -6}, {1582, 28, -6}, {1600, 29, 4}, {1700, 28, 6}, {1900, 28, 7}, {2000, 29, 7}};
+  } lignes[] = {{1500, 29, -6}, {1580, 29, -6}, {1581, 28, -5}, {1582, 28, -5}, {1583, 28, 5},
+                {1600, 29, 4},  {1700, 28, 6},  {1900, 28, 7},  {2000, 29, 7}};
   for (const auto& l : lignes) {
     c.SetCivil(1, 1, l.annee);
     c.bissextile();
     EXPECT_EQ(c.LongueurFevrier(), l.fevrier) << l.annee;
     EXPECT_EQ(c.DecalageJulien(), l.decalage) << l.annee;
   }
+}
+
+TEST(ConvJuif, PremierNissanParLeRaccourciDeNbMois) {
+  ConvJuif c;
+  // 5785, commune abondante : Roch Hachana jeudi (5), suivant mardi (3) ; le
+  // 1er Nissan tombe le dimanche 30/03/2025, comme le calendrier.
+  ASSERT_TRUE(c.convCivil_juif("30/03/2025"));
+  EXPECT_EQ(c.getReponse(), "01/08/5785");
+  EXPECT_EQ(c.JourRochHachana(), 5);
+  EXPECT_EQ(c.JourRochHachanaSuivant(), 3);
+  EXPECT_EQ(c.JourNissan(), 1);
+  EXPECT_EQ(c.LongueurMois(2), 30);
+  // 5784, embolismique défective : samedi (7) puis jeudi (5) ; le raccourci donne
+  // lundi (2) quand le 1er Nissan réel, le 09/04/2024, est un mardi.
+  ASSERT_TRUE(c.convCivil_juif("09/04/2024"));
+  EXPECT_EQ(c.getReponse(), "01/08/5784");
+  EXPECT_EQ(c.getJour(), "Mardi");
+  EXPECT_EQ(c.JourNissan(), 2);
+  EXPECT_EQ(c.LongueurMois(3), 29);
 }
 
 TEST(ConvJuif, CorrectionJulienneDe1582) {

@@ -232,7 +232,8 @@ int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois) 
 
   // Jour.
   InconnuEnPoints(jour);
-  if (jour.empty() || QueDesPoints(jour)) jour = "..";
+  // Un jour de trois caractères ou plus est refusé, points compris ("???" aussi).
+  if (jour.empty() || jour == ".") jour = "..";
   if (jour.size() > 2) return refuse(0);
   if (!ChiffresOuPoints(jour)) return refuse(1);
   if (jour.size() == 1) jour = "0" + jour;
@@ -269,10 +270,12 @@ int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois) 
   // Année.
   InconnuEnPoints(annee);
   const std::size_t largeurAnnee = republicain ? 2 : 4;
-  if (annee.empty() || QueDesPoints(annee)) annee = std::string(largeurAnnee, '.');
+  if (annee.empty()) annee = std::string(largeurAnnee, '.');
   if (!std::all_of(annee.begin(), annee.end(), [](char c) { return IsChiffre(c) || c == '.' || c == '-'; }))
     return refuse(3);
+  // Trop long, même tout en points ("?????") : refusé.
   if (annee.size() > largeurAnnee) return refuse(4);
+  if (QueDesPoints(annee)) annee = std::string(largeurAnnee, '.');
   if (QueDesChiffres(annee)) {
     const int v = ToIntInString(annee);
     if (republicain)

@@ -140,11 +140,31 @@ void ConvJuif::caractHeb() {
 }
 
 void ConvJuif::rochHodechNissan() {
-  // Le 1er Nissan se place par la longueur réelle des mois qui le précèdent.
-  intervalles();
-  int avant = 0;
-  for (int m = 1; m <= 7; ++m) avant += longueurs[m];
-  jourNissan = (jourRH - 1 + avant) % 7 + 1;
+  // Le type de l'année se lit sur l'écart des deux Roch Hachana (5 défective,
+  // 6 régulière, 7 abondante, l'année commune comptée deux de plus).
+  // Voulu : le jour du 1er Nissan se tire de nbMois par ce seul raccourci, même
+  // dans une année de 13 mois où il tombe un jour plus tôt que le vrai.
+  int suivant = jourRHSuivant;
+  if (suivant <= jourRH) suivant += 7;
+  int d = suivant - jourRH;
+  if (nbMois == 12) d += 2;
+  switch (d) {
+    case 5:
+      jourNissan = jourRH + nbMois - 11;
+      longueurs[3] = 29;  // Kislev
+      break;
+    case 6:
+      jourNissan = jourRH + nbMois - 10;
+      break;
+    case 7:
+      jourNissan = jourRH + nbMois - 9;
+      longueurs[2] = 30;  // Hechvan
+      break;
+    default:
+      jourNissan = 0;  // écart impossible entre deux Roch Hachana
+      return;
+  }
+  if (jourNissan > 7) jourNissan -= 7;
 }
 
 void ConvJuif::tekoufaNissan() {
@@ -161,8 +181,9 @@ void ConvJuif::tekoufaNissan() {
 void ConvJuif::bissextile() {
   const int annee = anneeCivile;
   if (annee < 1583) {
+    // Avant la réforme : -6 les années de 29 février (multiples de 4), -5 les autres.
     fevrier = (annee % 4 == 0) ? 29 : 28;
-    decalage = -6;
+    decalage = fevrier == 29 ? -6 : -5;
     return;
   }
   fevrier = ((annee % 4 == 0 && annee % 100 != 0) || annee % 400 == 0) ? 29 : 28;
