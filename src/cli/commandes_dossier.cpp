@@ -31,7 +31,9 @@ using rqbase::TPerson;
 std::string CheminPrs(const std::string& nom) {
   fs::path p(rqbase::SupprimeSlashSiNecessaire(nom));
   if (p.extension() == ".prs" || p.extension() == ".PRS") return p.string();
-  if (!fs::is_directory(p) && fs::is_directory(p.string() + ".rq2")) p = p.string() + ".rq2";
+  // Un chemin que le système refuse se lit comme absent : le message d'erreur est le nôtre.
+  std::error_code ec;
+  if (!fs::is_directory(p, ec) && fs::is_directory(p.string() + ".rq2", ec)) p = p.string() + ".rq2";
   return (p / (p.stem().string() + ".prs")).string();
 }
 
@@ -248,7 +250,8 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx) {
     auto gest = Ouvre(o.Chemin, true);
     fs::path cible(rqbase::SupprimeSlashSiNecessaire(Arg(o.Cible)));
     if (cible.extension() != ".rq2") cible = cible.string() + ".rq2";
-    if (fs::exists(cible)) throw ERqBase("Le dossier \"" + cible.string() + "\" existe déjà.");
+    std::error_code ec;
+    if (fs::exists(cible, ec)) throw ERqBase("Le dossier \"" + cible.string() + "\" existe déjà.");
     if (!gest->DupliqueGenealogie(cible.string()))
       throw ERqBase("La copie vers \"" + cible.string() + "\" a échoué.");
     if (ctx.Json) return EcritJson({{"dossier", Texte(cible.string())}});

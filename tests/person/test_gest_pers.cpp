@@ -213,6 +213,27 @@ TEST_F(PersonTest, EnfantsAjoutesRemontentSelonLeRangDuConjoint) {
   EXPECT_EQ(enfants, (std::vector<long>{c0, b1, a2}));
   EXPECT_EQ(p.NoAutreParent(0), 0);
   EXPECT_EQ(TPerson(Fic, b1, false, 0, true).NoAutreParent(pere), m1);
+  EXPECT_EQ(TPerson(Fic, b1, false, 0, true).NoAutreParent(m1), pere);
+  EXPECT_EQ(TPerson(Fic, b1, false, 0, true).NoAutreParent(m2), 0);
+  // Voulu : 0 n'est pas écarté ; l'enfant sans père rend sa mère pour NoAutreParent(0).
+  TPerson sansPere(Fic, b1);
+  sansPere.Enreg.Pere = TLienPers();
+  EXPECT_EQ(sansPere.NoAutreParent(0), m1);
+}
+
+TEST_F(PersonTest, LectureParLeCacheGardeLeDrapeauDeRafraichissementDeLAppelant) {
+  const long no = Ajoute("AVANT");
+  TPerson p(Fic);
+  p.MajBuffer = false;
+  p.Lecture(no, false, 0, true);  // la personne entre dans le cache
+  p.SetNom("APRES");
+  p.Enregistrement();
+  // Le double du cache n'est pas rafraîchi : la lecture par le cache rend l'ancien nom.
+  EXPECT_STREQ(TPerson(Fic, no, false, 0, true).Enreg.Nom, "AVANT");
+  EXPECT_STREQ(TPerson(Fic, no).Enreg.Nom, "APRES");
+  p.MajBuffer = true;
+  p.Enregistrement();
+  EXPECT_STREQ(TPerson(Fic, no, false, 0, true).Enreg.Nom, "APRES");
 }
 
 TEST_F(PersonTest, DossierEnLectureSeuleOuEnErreurNEcritRien) {

@@ -1,6 +1,7 @@
 // TGestFichier : noms de fichiers, création, ouverture, drapeaux, dossier entier.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <openssl/evp.h>
 #include <sys/stat.h>
 
@@ -72,6 +73,32 @@ TEST(FabriqueNomFichier, CheminTropLongLeve) {
   EXPECT_THAT([&] { g.FabriqueNomFichier(tfEveneq); }, ThrowsMessage<ERqBase>(StrEq("Nom de fichier trop long !")));
   // Dès l'ouverture, le premier nom fabriqué lève.
   EXPECT_THROW(TGestFichier(dossier + std::string(30, 'n') + ".prs"), ERqBase);
+}
+
+TEST_F(GestFichierTest, CheminRefuseParLeSystemeLeveLeDrapeauSansExceptionEtrangere) {
+  // Un composant de plus de 255 octets : le système refuse le chemin avant tout nom fabriqué.
+  const std::string dossier = Temp.Racine + "/" + std::string(300, 'a') + ".rq2/";
+  std::unique_ptr<TGestFichier> g;
+  EXPECT_NO_THROW(g = std::make_unique<TGestFichier>(dossier + "a.prs", true));
+  ASSERT_TRUE(g);
+  EXPECT_TRUE(g->EnErreur());
+  EXPECT_EQ(g->DerniereReponse(), 0);  // aucune question posée
+}
+
+TEST_F(GestFichierTest, ConversionRq2013SeLitAuTypeDeLaColonneDate) {
+  EXPECT_FALSE(Cree()->IsConvertedForRQ2013());  // _DATE est un entier dans la base courante
+  {
+    SQLite::Database b(Temp.Dossier() + "/Essai.adb", SQLite::OPEN_READWRITE);
+    b.exec("ALTER TABLE Evenements RENAME COLUMN _DATE TO _DATE_ENTIER");
+    b.exec("ALTER TABLE Evenements ADD COLUMN _DATE DATETIME");
+  }
+  auto g = Ouvre();
+  EXPECT_TRUE(g->IsConvertedForRQ2013());
+  g->ConvertTableEven();  // ne fait rien
+  EXPECT_TRUE(g->IsConvertedForRQ2013());
+  // Sans la base (personnes, supprimés et XML seuls), rien ne peut le dire.
+  TGestFichier sansBase(Temp.Prs(), false, true, false, false, 0, mcLectureSeule);
+  EXPECT_FALSE(sansBase.IsConvertedForRQ2013());
 }
 
 TEST_F(GestFichierTest, CreationPoseLesFichiersEtLEnTete) {

@@ -114,7 +114,10 @@ void TPerson::Lecture(long no, bool complement, int typeLecture, bool viaBuffer)
   if (no != -3) Numero = no;
   if (viaBuffer && Numero != 0 && Numero != -2 && Fichier) {
     const TPerson* cachee = TBufferisationArbChrono::De(*Fichier).GetPerson(Numero, complement && typeLecture == 0);
+    // Le drapeau de rafraîchissement est celui de l'appelant : seule la fiche vient du cache.
+    const bool majBuffer = MajBuffer;
     CopyPerson(*cachee);
+    MajBuffer = majBuffer;
     // Place de LectureComplementaireEvenement(1) quand typeLecture n'est pas 0.
   } else {
     LectureDisque(complement);
@@ -373,7 +376,7 @@ TLienPers& TPerson::RechRefEnf(long no) {
 }
 
 long TPerson::NoAutreParent(long no) const {
-  if (no == 0) return 0;
+  // Voulu : 0 n'est pas écarté ; sans père, NoAutreParent(0) rend la mère.
   if (Enreg.Pere.No == no) return Enreg.Mere.No;
   if (Enreg.Mere.No == no) return Enreg.Pere.No;
   return 0;

@@ -188,6 +188,10 @@ bool TGestFichier::isVersion10() {
   return false;
 }
 
+bool TGestFichier::IsConvertedForRQ2013() {
+  return BDD && BDD->EstOuverte() && BDD->TypeMoteurColonne("Evenements", "_DATE") == 27;
+}
+
 bool TGestFichier::IsSameGenea(const TGestFichier& autre) const {
   return MajusculesCp1252(FabriqueNomFichier(tfPersons)) == MajusculesCp1252(autre.FabriqueNomFichier(tfPersons));
 }
@@ -269,7 +273,10 @@ void TGestFichier::AjouteObjets(bool sansTest) {
 void TGestFichier::NouveauFichier(int premierePersonne) {
   FermerFichiers();
   const std::string dossier = SupprimeSlashSiNecessaire(Dossier);
-  if (fs::exists(dossier)) {
+  // Un chemin que le système refuse (nom trop long...) n'est pas un dossier existant :
+  // la création qui suit échoue et lève le drapeau.
+  std::error_code ecExiste;
+  if (fs::exists(dossier, ecExiste)) {
     // Le nom est pris : on compte ce qu'il tient, on referme et on demande, sans rien
     // changer sur le disque.
     const bool lectureSeule = LectureSeule;
@@ -459,7 +466,7 @@ bool TGestFichier::RenommeGenealogie(const std::string& nouveauNom) {
   const fs::path ancienDossier(SupprimeSlashSiNecessaire(Dossier));
   const fs::path nouveauDossier = ancienDossier.parent_path() / (nouveauNom + ".rq2");
   std::error_code ec;
-  if (fs::exists(nouveauDossier)) return false;
+  if (fs::exists(nouveauDossier, ec)) return false;
   fs::rename(ancienDossier, nouveauDossier, ec);
   if (ec) return false;
   const std::string ancienNom = Nom;

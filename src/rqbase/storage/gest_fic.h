@@ -77,6 +77,10 @@ class TGestFichier {
   // Voulu : vrai quand l'extension du dossier, en capitales, n'est PAS ".RQ2".
   bool IsExt2009() const;
   bool isVersion10();
+  // La colonne _DATE des événements est de type 27 (date-heure) ; faux sans base ouverte.
+  bool IsConvertedForRQ2013();
+  // Ne fait rien.
+  void ConvertTableEven() {}
   bool IsReadOnly() const { return LectureSeule; }
   bool IsCDROM() const { return false; }  // pas de lecteur de type 5 ici
   bool IsSameGenea(const TGestFichier& autre) const;
