@@ -170,6 +170,9 @@ TEST(TDateRQ, Fourchettes) {
   EXPECT_EQ(D(">", 'G', "12/05/1850").GetDateLimiteFourchette(true).GetDate(), "31/12/0000");
   EXPECT_EQ(D("", 'G', "1850/1860").GetDateLimiteFourchette(true).GetDate(), "31/12/1860");
   EXPECT_EQ(D("", 'G', "12/05/1850").GetDateLimiteFourchette(true).GetDate(), "12/05/1850");
+  // Républicain : la borne ouverte a la largeur de l'année républicaine, "05/..".
+  EXPECT_EQ(D("<", 'R', "10/VENT/05").GetDateLimiteFourchette(true).GetDate(), "31/12/1797");
+  EXPECT_EQ(D(">", 'R', "10/VENT/05").GetDateLimiteFourchette(false).GetDate(), "01/01/1797");
   EXPECT_TRUE(D("", 'G', "12/05/1850").DateDansFourchette("1850", "0"));
   EXPECT_FALSE(D("", 'G', "12/05/1850").DateDansFourchette("1851", ""));
   short bas = 0, haut = 0;
@@ -407,6 +410,7 @@ TEST(TDateRQ, Mots) {
   EXPECT_EQ(D("", 'G', "01/01/1850").PlaceJour(true), "1er ");
   EXPECT_EQ(D("", 'G', "05/01/1850").PlaceJour(false), "5");
   EXPECT_EQ(D("", 'G', "../01/1850").PlaceJour(true), "");
+  EXPECT_EQ(D("", 'G', "00/01/1850").PlaceJour(true), "");
   EXPECT_EQ(D("", 'G', "1850/....").FormatDateTilde(), "1850 ~ ....");
   EXPECT_EQ(D("", 'G', "05/01/1850").FormatDateTilde(), " ~ 1850");
   std::string court, nom;
