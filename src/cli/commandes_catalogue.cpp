@@ -6,6 +6,7 @@
 
 #include "commandes.h"
 #include "rqbase/fields/def_chps_cs.h"
+#include "rqbase/platform/chemins.h"
 #include "rqbase/fields/fichier_dch.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/util/erreur.h"
@@ -104,7 +105,9 @@ void EcritChamp(const TChpCs& c) {
 std::string CheminDch(const std::string& nom) {
   fs::path p(rqbase::SupprimeSlashSiNecessaire(nom));
   if (p.extension() == ".prs" || p.extension() == ".PRS") return p.replace_extension(".dch").string();
-  if (!fs::is_directory(p) && fs::is_directory(p.string() + ".rq2")) p = p.string() + ".rq2";
+  std::error_code ec;
+  if (!fs::is_directory(rqbase::CheminOs(p.string()), ec) && fs::is_directory(rqbase::CheminOs(p.string() + ".rq2"), ec))
+    p = p.string() + ".rq2";
   return (p / (p.stem().string() + ".dch")).string();
 }
 

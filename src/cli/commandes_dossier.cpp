@@ -9,6 +9,7 @@
 
 #include "commandes.h"
 #include "rqbase/person/gest_pers.h"
+#include "rqbase/platform/chemins.h"
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/storage/fic_pers_suppr.h"
 #include "rqbase/storage/gest_fic.h"
@@ -33,7 +34,8 @@ std::string CheminPrs(const std::string& nom) {
   if (p.extension() == ".prs" || p.extension() == ".PRS") return p.string();
   // Un chemin que le système refuse se lit comme absent : le message d'erreur est le nôtre.
   std::error_code ec;
-  if (!fs::is_directory(p, ec) && fs::is_directory(p.string() + ".rq2", ec)) p = p.string() + ".rq2";
+  if (!fs::is_directory(rqbase::CheminOs(p.string()), ec) && fs::is_directory(rqbase::CheminOs(p.string() + ".rq2"), ec))
+    p = p.string() + ".rq2";
   return (p / (p.stem().string() + ".prs")).string();
 }
 
@@ -51,9 +53,10 @@ std::unique_ptr<TGestFichier> Ouvre(const std::string& nom, bool lectureSeule) {
 bool LectureSeule(const TGestFichier& gest) {
   const std::string dossier = rqbase::SupprimeSlashSiNecessaire(gest.DossierFichiers());
   const std::string prs = gest.FabriqueNomFichier(rqbase::tfPersons);
-  return gest.AnneeVersion() != 2020 || ::access(dossier.c_str(), W_OK) != 0 || ::access(prs.c_str(), W_OK) != 0 ||
-         (fs::status(dossier).permissions() & fs::perms::owner_write) == fs::perms::none ||
-         (fs::status(prs).permissions() & fs::perms::owner_write) == fs::perms::none;
+  const fs::path dossierOs = rqbase::CheminOs(dossier), prsOs = rqbase::CheminOs(prs);
+  return gest.AnneeVersion() != 2020 || ::access(dossierOs.c_str(), W_OK) != 0 || ::access(prsOs.c_str(), W_OK) != 0 ||
+         (fs::status(dossierOs).permissions() & fs::perms::owner_write) == fs::perms::none ||
+         (fs::status(prsOs).permissions() & fs::perms::owner_write) == fs::perms::none;
 }
 
 json Liste(const rqbase::TLienPers* liens, int n) {
@@ -84,7 +87,8 @@ void Info(TContexteCli& ctx, const std::string& nom) {
   const long supprimees = gest->FicPersSuppr() ? gest->FicPersSuppr()->GetNbPersSuppr() : 0;
   json fichiers = json::array();
   std::vector<std::string> noms;
-  for (const auto& e : fs::directory_iterator(gest->DossierFichiers())) noms.push_back(e.path().filename().string());
+  for (const auto& e : fs::directory_iterator(rqbase::CheminOs(gest->DossierFichiers())))
+    noms.push_back(rqbase::CheminInterne(e.path().filename()));
   std::sort(noms.begin(), noms.end());
   for (const auto& n : noms) fichiers.push_back(Texte(n));
   json j = {{"version", gest->AnneeVersion()},
@@ -251,7 +255,7 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx) {
     fs::path cible(rqbase::SupprimeSlashSiNecessaire(Arg(o.Cible)));
     if (cible.extension() != ".rq2") cible = cible.string() + ".rq2";
     std::error_code ec;
-    if (fs::exists(cible, ec)) throw ERqBase("Le dossier \"" + cible.string() + "\" existe déjà.");
+    if (fs::exists(rqbase::CheminOs(cible.string()), ec)) throw ERqBase("Le dossier \"" + cible.string() + "\" existe déjà.");
     if (!gest->DupliqueGenealogie(cible.string()))
       throw ERqBase("La copie vers \"" + cible.string() + "\" a échoué.");
     if (ctx.Json) return EcritJson({{"dossier", Texte(cible.string())}});

@@ -46,7 +46,7 @@ std::string MessageAnalyse(const CLI::ParseError& e) {
 // Aide française et groupe "Commandes" à tous les niveaux de sous-commandes.
 void FranciseSousCommandes(CLI::App& parent) {
   for (auto* sous : parent.get_subcommands({})) {
-    sous->set_help_flag("-h,--aide", rqcli::U("Affiche cette aide et quitte"));
+    sous->set_help_flag("-h,--aide,--help", rqcli::U("Affiche cette aide et quitte"));
     sous->fallthrough();
     sous->group(rqcli::U("Commandes"));
     FranciseSousCommandes(*sous);
@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
   TContexteCli ctx;
   CLI::App app{U("rqbase : les dossiers généalogiques en ligne de commande.\n"
                  "Chaque commande accepte --json pour une sortie lisible par les scripts.")};
-  app.set_help_flag("-h,--aide", U("Affiche cette aide et quitte"));
+  app.set_help_flag("-h,--aide,--help", U("Affiche cette aide et quitte"));
   app.set_help_all_flag("--aide-complete", U("Affiche l'aide de toutes les commandes"));
   app.set_version_flag("--version", std::string("rqbase ") + RQ_VERSION, U("Affiche la version et quitte"));
   app.add_flag("--json", ctx.Json, U("Sortie JSON (UTF-8)"))->trigger_on_parse();

@@ -61,7 +61,7 @@ TEST(AnalyseDate, FormesGregoriennes) {
       {"3001", 'G', true, 7, nullptr},
       {"1850/3001", 'G', true, 7, nullptr},
       {"123/01/1900", 'G', true, 0, nullptr},
-      {"???/10/1969", 'G', true, 0, nullptr},  // trois inconnus : trop long, même en points
+      {"?\?\?/10/1969", 'G', true, 0, nullptr},  // trois inconnus : trop long, même en points
       {".../10/1969", 'G', true, 0, nullptr},
       {"15/10/?????", 'G', true, 4, nullptr},
       {"15/10/.....", 'G', true, 4, nullptr},
@@ -77,8 +77,9 @@ TEST(AnalyseDate, FormesGregoriennes) {
     std::string date = c.tape;
     SCOPED_TRACE(c.tape);
     EXPECT_EQ(AnalyseDate(date, c.calendrier, c.souple), c.code);
-    if (c.code == -1)
+    if (c.code == -1) {
       EXPECT_EQ(date, c.attendu);
+    }
     else
       EXPECT_FALSE(MessageAnalyseDate(c.code).empty());
   }
@@ -123,7 +124,9 @@ TEST(AnalyseDate, RepublicainEtHebreu) {
     std::string date = c.tape;
     SCOPED_TRACE(c.tape);
     EXPECT_EQ(AnalyseDate(date, c.calendrier, c.souple), c.code);
-    if (c.code == -1) EXPECT_EQ(date, c.attendu);
+    if (c.code == -1) {
+      EXPECT_EQ(date, c.attendu);
+    }
   }
 }
 
@@ -142,7 +145,9 @@ TEST(AnalyseDate, PointsPartout) {
     for (char cal : {'G', 'R', 'H', 'A'}) {
       std::string date = f;
       const int code = AnalyseDate(date, cal, true);
-      if (code == -1) EXPECT_LE(date.size(), 10u) << f << " " << cal;
+      if (code == -1) {
+        EXPECT_LE(date.size(), 10u) << f << " " << cal;
+      }
     }
   }
 }

@@ -41,7 +41,7 @@ TEST(Conversions, LesDeuxRoutesRepublicainesConcordentSurToutLEre) {
     const int jdn = jd + 1;
     int a = jdn + 32044, b = (4 * a + 3) / 146097, c = a - 146097 * b / 4;
     int d = (4 * c + 3) / 1461, e = c - 1461 * d / 4, m = (5 * e + 2) / 153;
-    char g[16];
+    char g[48];
     std::snprintf(g, sizeof g, "%02d/%02d/%04d", e - (153 * m + 2) / 5 + 1, m + 3 - 12 * (m / 10),
                   100 * b + d - 4800 + m / 10);
     const std::string rep = ConvGregorienRepublicain(g);

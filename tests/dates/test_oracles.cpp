@@ -74,7 +74,9 @@ TEST(Oracles, DatesCivilesRepublicainesEtHebraiques) {
 
     // Jour julien : le nôtre vaut le numéro chronologique moins un, hors de la
     // fenêtre de 1582 où notre réforme (14 octobre) et celle du registre diffèrent.
-    if (annee != 1582) EXPECT_EQ(JourJulien(civil), std::stoi(l.at("jdn")) - 1);
+    if (annee != 1582) {
+      EXPECT_EQ(JourJulien(civil), std::stoi(l.at("jdn")) - 1);
+    }
 
     // Républicain dans l'ère (ans I à XIV) : aller et deux routes de retour.
     if (l.at("rep_era") == "1") {
@@ -91,16 +93,21 @@ TEST(Oracles, DatesCivilesRepublicainesEtHebraiques) {
     // Hébreu : vers l'hébreu sauf 1582 (pris pour 1583), retour partout sauf la
     // fenêtre d'octobre-novembre 1582 que correctJulienGreg rend à sa manière.
     const std::string hebreu = DepuisAmj(l.at("heb_ymd"));
-    if (annee != 1582) EXPECT_EQ(ConvGregorienHebraique(civil), hebreu);
+    if (annee != 1582) {
+      EXPECT_EQ(ConvGregorienHebraique(civil), hebreu);
+    }
     const bool fenetre = annee == 1582 && (civil.substr(3, 2) == "10" || civil.substr(3, 2) == "11");
-    if (!fenetre) EXPECT_EQ(ConvHebraiqueGregorien(hebreu), civil);
+    if (!fenetre) {
+      EXPECT_EQ(ConvHebraiqueGregorien(hebreu), civil);
+    }
 
     // Jour de la semaine : vrai hors de 1582, et pour les dates que JourOk accepte.
     TDateRQ date('G', civil);
     std::string abrege, complet;
     short numero = 0;
-    if (annee != 1582 && date.RetourneJourSemaine(abrege, complet, &numero, false) != 0)
+    if (annee != 1582 && date.RetourneJourSemaine(abrege, complet, &numero, false) != 0) {
       EXPECT_EQ(VersUtf8(MinusculesCp1252(complet)), l.at("weekday"));
+    }
     ++verifiees;
   }
   EXPECT_GT(verifiees, 40);

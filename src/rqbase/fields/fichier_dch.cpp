@@ -3,6 +3,7 @@
 #include <charconv>
 #include <filesystem>
 
+#include "rqbase/platform/chemins.h"
 #include "rqbase/platform/fichier.h"
 #include "rqbase/util/chaines.h"
 #include "rqbase/util/liste_chaines.h"
@@ -99,7 +100,7 @@ bool EcritFichierTexte(const std::string& chemin, const std::string& texte) {
       if (n <= 0) {
         f.reset();
         std::error_code ec;
-        std::filesystem::remove(provisoire, ec);
+        std::filesystem::remove(CheminOs(provisoire), ec);
         return false;
       }
       ecrits += n;
@@ -107,9 +108,9 @@ bool EcritFichierTexte(const std::string& chemin, const std::string& texte) {
     if (!f->Flush()) return false;
   }
   std::error_code ec;
-  std::filesystem::rename(provisoire, chemin, ec);
+  std::filesystem::rename(CheminOs(provisoire), CheminOs(chemin), ec);
   if (ec) {
-    std::filesystem::remove(provisoire, ec);
+    std::filesystem::remove(CheminOs(provisoire), ec);
     return false;
   }
   return true;

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "rqbase/platform/chemins.h"
+
 #ifndef RQ_PREFIXE_INSTALLATION
 #define RQ_PREFIXE_INSTALLATION "/usr/local"
 #endif
@@ -13,7 +15,7 @@ namespace {
 
 std::string Variable(const char* nom) {
   const char* v = std::getenv(nom);
-  return v ? std::string(v) : std::string();
+  return v ? CheminInterne(std::filesystem::path(v)) : std::string();
 }
 
 std::string AvecSlash(std::string chemin) {
@@ -39,7 +41,7 @@ std::string DossierDonneesUtilisateur() {
   if (base.empty()) base = Maison() + "/.local/share";
   const std::string d = AvecSlash(base) + "rqbase/";
   std::error_code ec;
-  std::filesystem::create_directories(d, ec);
+  std::filesystem::create_directories(CheminOs(d), ec);
   return d;
 }
 

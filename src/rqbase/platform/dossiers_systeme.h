@@ -1,5 +1,6 @@
 // Les dossiers du système : données partagées de référence et données de
-// l'utilisateur. Les chemins rendus finissent par '/'.
+// l'utilisateur. Les chemins rendus finissent par '/' et sont des textes internes
+// (Windows-1252), comme tout chemin de la bibliothèque.
 #pragma once
 #include <string>
 

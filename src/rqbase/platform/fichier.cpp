@@ -1,4 +1,5 @@
 #include "rqbase/platform/fichier.h"
+#include "rqbase/platform/chemins.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -112,7 +113,7 @@ std::unique_ptr<TFichierBrut> TFichierBrut::Ouvre(const std::string& chemin, TAc
   }
   int fd;
   do {
-    fd = ::open(chemin.c_str(), Drapeaux(acces, disposition, ecritureImmediate), 0666);
+    fd = ::open(CheminOs(chemin).c_str(), Drapeaux(acces, disposition, ecritureImmediate), 0666);
   } while (fd < 0 && errno == EINTR);
   if (fd < 0) {
     gDerniereErreur = errno;
@@ -185,7 +186,7 @@ bool TFichierBrut::ChangeEcritureImmediate(bool immediate) {
     return true;
   }
   // Linux ne change pas O_DSYNC par fcntl : on rouvre le même fichier.
-  const int fd = ::open(CheminFichier.c_str(), Drapeaux(Acces, TDisposition::Ouvre, immediate));
+  const int fd = ::open(CheminOs(CheminFichier).c_str(), Drapeaux(Acces, TDisposition::Ouvre, immediate));
   if (fd < 0) return false;
   if (!immediate) ::fdatasync(Fd);
   ::close(Fd);

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <mutex>
 
+#include "rqbase/platform/chemins.h"
 #include "rqbase/platform/dossiers_systeme.h"
 
 namespace rqbase {
@@ -19,7 +20,7 @@ void AddLog(const std::string& texte) {
   std::strftime(horodatage, sizeof horodatage, "%d/%m/%Y %H:%M:%S", &t);
 
   std::lock_guard<std::mutex> garde(verrou);
-  std::ofstream journal(FichierJournal(), std::ios::app | std::ios::binary);
+  std::ofstream journal(CheminOs(FichierJournal()), std::ios::app | std::ios::binary);
   if (journal) journal << horodatage << ' ' << texte << '\n';
 }
 

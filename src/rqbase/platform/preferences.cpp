@@ -6,6 +6,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "rqbase/platform/chemins.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/dossiers_systeme.h"
 
@@ -22,7 +23,7 @@ pt::ptree::path_type Chemin(const std::string& section, const std::string& nom) 
 pt::ptree Charge() {
   pt::ptree arbre;
   try {
-    pt::read_ini(FichierPreferences(), arbre);
+    pt::read_ini(CheminOs(FichierPreferences()).string(), arbre);
   } catch (const pt::ptree_error&) {
     // Fichier absent ou mal formé : les valeurs par défaut valent.
   }
@@ -54,7 +55,7 @@ int LitPreferenceEntier(const std::string& section, const std::string& nom, int 
 bool EcritPreference(const std::string& section, const std::string& nom, const std::string& valeur) {
   pt::ptree arbre = Charge();
   arbre.put(Chemin(section, nom), VersUtf8(valeur));
-  const std::filesystem::path fichier(FichierPreferences());
+  const std::filesystem::path fichier = CheminOs(FichierPreferences());
   std::error_code ec;
   if (fichier.has_parent_path()) std::filesystem::create_directories(fichier.parent_path(), ec);
   try {

@@ -11,6 +11,7 @@
 #include <random>
 #include <set>
 
+#include "rqbase/platform/chemins.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/platform/fichier.h"
@@ -155,7 +156,7 @@ bool TModuleBDD::EstFichierBase(const std::string& chemin) {
 
 void TModuleBDD::Connecte(bool lectureSeule) {
   if (!lectureSeule) {
-    Bdd = std::make_unique<SQLite::Database>(CheminAdb, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
+    Bdd = std::make_unique<SQLite::Database>(CheminOs(CheminAdb).string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
                                              AttenteVerrouMs);
     // SQLite ouvre en lecture seule, sans le dire, un fichier protégé en écriture :
     // on reprend alors le chemin de la lecture seule.
@@ -170,7 +171,8 @@ void TModuleBDD::Connecte(bool lectureSeule) {
   // rien n'est créé à côté d'elle (ni -wal ni -shm). Un -wal laissé par un arrêt
   // brutal tient des données validées : on l'ouvre alors normalement pour les voir.
   const bool walLaisse = FichierExiste(CheminAdb + "-wal");
-  const std::string nom = walLaisse ? CheminAdb : UriFichier(CheminAdb) + "?immutable=1";
+  const std::string cheminOs = CheminOs(CheminAdb).string();
+  const std::string nom = walLaisse ? cheminOs : UriFichier(cheminOs) + "?immutable=1";
   Bdd = std::make_unique<SQLite::Database>(nom, SQLite::OPEN_READONLY | SQLite::OPEN_URI, AttenteVerrouMs);
   LectureSeuleEffective = true;
   AppliqueReglages();
@@ -219,7 +221,7 @@ void TModuleBDD::DestroyDataBaseBDD() {
 
 void TModuleBDD::MetDeCoteAncienneBase() {
   std::error_code ec;
-  fs::rename(CheminAdb, CheminV4ADB(), ec);
+  fs::rename(CheminOs(CheminAdb), CheminOs(CheminV4ADB()), ec);
   if (ec) {
     AddLog("Base " + CheminAdb + " : mise de côté impossible (" + ec.message() + ")");
     throw ERqBase(TexteErreurBase());
@@ -241,7 +243,7 @@ bool TModuleBDD::CreateDataBase() {
     const fs::path dossier = fs::path(CheminAdb).parent_path();
     if (!dossier.empty() && !DossierExiste(dossier.string())) {
       std::error_code ec;
-      fs::create_directories(dossier, ec);
+      fs::create_directories(CheminOs(dossier.string()), ec);
       if (!DossierExiste(dossier.string())) return false;
     }
     if (!Bdd) Connecte(false);
@@ -349,22 +351,22 @@ void TModuleBDD::CopieADB() {
   const bool lectureSeule = LectureSeuleEffective;
   DestroyDataBaseBDD();
   std::error_code ec;
-  fs::copy_file(CheminAdb, CheminCopieADB(), fs::copy_options::overwrite_existing, ec);
+  fs::copy_file(CheminOs(CheminAdb), CheminOs(CheminCopieADB()), fs::copy_options::overwrite_existing, ec);
   if (ec) AddLog("Base " + CheminAdb + " : copie de sécurité impossible (" + ec.message() + ")");
   Protege([&] { Connecte(lectureSeule); });
 }
 
 void TModuleBDD::DeleteCopieADB() {
   std::error_code ec;
-  fs::remove(CheminCopieADB(), ec);
+  fs::remove(CheminOs(CheminCopieADB()), ec);
 }
 
 bool TModuleBDD::RestoreOldADB() {
   if (!FichierExiste(CheminOldADB())) return false;
   DestroyDataBaseBDD();
   std::error_code ec;
-  fs::remove(CheminAdb, ec);
-  fs::rename(CheminOldADB(), CheminAdb, ec);
+  fs::remove(CheminOs(CheminAdb), ec);
+  fs::rename(CheminOs(CheminOldADB()), CheminOs(CheminAdb), ec);
   if (ec) AddLog("Base " + CheminAdb + " : retour de l'ancienne base impossible (" + ec.message() + ")");
   return OpenDataBase();
 }

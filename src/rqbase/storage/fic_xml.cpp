@@ -3,6 +3,7 @@
 
 #include <pugixml.hpp>
 
+#include "rqbase/platform/chemins.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/storage/gest_fic.h"
 
@@ -19,7 +20,7 @@ struct TFicXml::TDonnees {
 TFicXml::TFicXml(TGestFichier* gest, bool creation)
     : Gest(gest), CheminFichier(gest->FabriqueNomFichier(tfXin)), Donnees(std::make_unique<TDonnees>()) {
   // Un fichier illisible se lit comme vide : la prochaine écriture le refait.
-  if (!creation) Donnees->Document.load_file(CheminFichier.c_str());
+  if (!creation) Donnees->Document.load_file(CheminOs(CheminFichier).c_str());
   if (!Donnees->Document.child(kRacine)) {
     Donnees->Document.reset();
     Donnees->Document.append_child(kRacine);
@@ -43,7 +44,7 @@ bool TFicXml::EcritureValeur(const std::string& section, const std::string& cle,
   if (!noeudCle) noeudCle = noeudSection.append_child(c.c_str());
   noeudCle.text().set(VersUtf8(valeur).c_str());
   if (Gest->IsReadOnly()) return false;
-  return Donnees->Document.save_file(CheminFichier.c_str(), "  ", pugi::format_default, pugi::encoding_utf8);
+  return Donnees->Document.save_file(CheminOs(CheminFichier).c_str(), "  ", pugi::format_default, pugi::encoding_utf8);
 }
 
 }  // namespace rqbase

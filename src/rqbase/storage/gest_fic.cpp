@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "rqbase/platform/chemins.h"
 #include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/platform/ressources.h"
@@ -38,8 +39,8 @@ constexpr size_t kCheminMax = 260;
 // le test tient même pour le super-utilisateur, que les droits n'arrêtent pas.
 bool SansDroitEcriture(const std::string& chemin) {
   struct stat st {};
-  if (::stat(chemin.c_str(), &st) != 0) return false;
-  return (st.st_mode & 0222) == 0 || ::access(chemin.c_str(), W_OK) != 0;
+  if (::stat(CheminOs(chemin).c_str(), &st) != 0) return false;
+  return (st.st_mode & 0222) == 0 || ::access(CheminOs(chemin).c_str(), W_OK) != 0;
 }
 
 }  // namespace
@@ -92,7 +93,7 @@ TGestFichier::TGestFichier(const std::string& chemin, bool nouveau, bool a, bool
     const std::string adb = FabriqueNomFichier(tfAdb);
     if (IsExt2009() && FichierExiste(adb)) {
       // Une base laissée par une conversion inachevée est mise de côté.
-      if (!LectureSeule) std::rename(adb.c_str(), (Dossier + Nom + ".~adb").c_str());
+      if (!LectureSeule) std::rename(CheminOs(adb).c_str(), CheminOs(Dossier + Nom + ".~adb").c_str());
     }
     if (!IsExt2009() && FichierExiste(adb)) {
       VersionAnnee = 2020;
@@ -276,7 +277,7 @@ void TGestFichier::NouveauFichier(int premierePersonne) {
   // Un chemin que le système refuse (nom trop long...) n'est pas un dossier existant :
   // la création qui suit échoue et lève le drapeau.
   std::error_code ecExiste;
-  if (fs::exists(dossier, ecExiste)) {
+  if (fs::exists(CheminOs(dossier), ecExiste)) {
     // Le nom est pris : on compte ce qu'il tient, on referme et on demande, sans rien
     // changer sur le disque.
     const bool lectureSeule = LectureSeule;
@@ -298,7 +299,7 @@ void TGestFichier::NouveauFichier(int premierePersonne) {
     return;
   }
   std::error_code ec;
-  fs::create_directories(Dossier + "Notices", ec);
+  fs::create_directories(CheminOs(Dossier + "Notices"), ec);
   if (ec) {
     Erreur = true;
     return;
@@ -456,7 +457,7 @@ bool TGestFichier::RenommeFichier(int type, const std::string& nouveauNom, int n
   Nom = nouveauNom;
   const std::string nouveau = FabriqueNomFichier(type, n);
   Nom = nomGarde;
-  return std::rename(ancien.c_str(), nouveau.c_str()) == 0;
+  return std::rename(CheminOs(ancien).c_str(), CheminOs(nouveau).c_str()) == 0;
 }
 
 bool TGestFichier::RenommeGenealogie(const std::string& nouveauNom) {
@@ -466,8 +467,8 @@ bool TGestFichier::RenommeGenealogie(const std::string& nouveauNom) {
   const fs::path ancienDossier(SupprimeSlashSiNecessaire(Dossier));
   const fs::path nouveauDossier = ancienDossier.parent_path() / (nouveauNom + ".rq2");
   std::error_code ec;
-  if (fs::exists(nouveauDossier, ec)) return false;
-  fs::rename(ancienDossier, nouveauDossier, ec);
+  if (fs::exists(CheminOs(nouveauDossier.string()), ec)) return false;
+  fs::rename(CheminOs(ancienDossier.string()), CheminOs(nouveauDossier.string()), ec);
   if (ec) return false;
   const std::string ancienNom = Nom;
   Dossier = AjouteSlashSiNecessaire(nouveauDossier.string());
@@ -477,7 +478,7 @@ bool TGestFichier::RenommeGenealogie(const std::string& nouveauNom) {
     const std::string ancien = FabriqueNomFichier(type);
     Nom = nouveauNom;
     const std::string nouveau = FabriqueNomFichier(type);
-    if (FichierExiste(ancien)) std::rename(ancien.c_str(), nouveau.c_str());
+    if (FichierExiste(ancien)) std::rename(CheminOs(ancien).c_str(), CheminOs(nouveau).c_str());
   }
   Nom = nouveauNom;
   return true;
@@ -493,20 +494,20 @@ bool TGestFichier::DupliqueFichier(int type, const std::string& dossierCible, co
   Dossier = dossierGarde;
   Nom = nomGarde;
   std::error_code ec;
-  fs::copy_file(source, cible, fs::copy_options::overwrite_existing, ec);
+  fs::copy_file(CheminOs(source), CheminOs(cible), fs::copy_options::overwrite_existing, ec);
   return !ec;
 }
 
 bool TGestFichier::DupliqueFichierNP(const std::string& dossierCible) {
   std::error_code ec;
-  const fs::path notices = fs::path(Dossier) / "Notices";
+  const fs::path notices = CheminOs(Dossier) / "Notices";
   if (!fs::is_directory(notices, ec)) return true;
   bool ok = true;
   for (const auto& e : fs::directory_iterator(notices, ec)) {
     const std::string nom = e.path().filename().string();
     if (e.is_regular_file() && nom.size() >= 2 && (nom[0] == 'n' || nom[0] == 'N') && (nom[1] == 'p' || nom[1] == 'P')) {
       std::error_code ec2;
-      fs::copy_file(e.path(), fs::path(dossierCible) / "Notices" / nom, fs::copy_options::overwrite_existing, ec2);
+      fs::copy_file(e.path(), CheminOs(dossierCible) / "Notices" / e.path().filename(), fs::copy_options::overwrite_existing, ec2);
       ok = ok && !ec2;
     }
   }
@@ -517,8 +518,8 @@ bool TGestFichier::DupliqueGenealogie(const std::string& cible) {
   fs::path dossierCible(SupprimeSlashSiNecessaire(cible));
   if (!dossierCible.has_extension()) dossierCible = dossierCible.parent_path() / (dossierCible.filename().string() + ".rq2");
   std::error_code ec;
-  if (fs::exists(dossierCible, ec)) return false;
-  fs::create_directories(dossierCible / "Notices", ec);
+  if (fs::exists(CheminOs(dossierCible.string()), ec)) return false;
+  fs::create_directories(CheminOs(dossierCible.string()) / "Notices", ec);
   if (ec) return false;
   const std::string nomCible = dossierCible.stem().string();
   // Place de la copie des dictionnaires (catalogue des champs).
@@ -538,13 +539,13 @@ std::string ConstruitAccesGenealogie(const std::string& dossier, const std::stri
 
 bool PutFilesInReadWrite(const std::string& dossier) {
   std::error_code ec;
-  if (!fs::is_directory(dossier, ec)) return false;
+  if (!fs::is_directory(CheminOs(dossier), ec)) return false;
   bool tous = true;
-  for (const auto& e : fs::directory_iterator(dossier, ec)) {
+  for (const auto& e : fs::directory_iterator(CheminOs(dossier), ec)) {
     if (!e.is_regular_file()) continue;
     std::error_code ec2;
     fs::permissions(e.path(), fs::perms::owner_write, fs::perm_options::add, ec2);
-    if (ec2 || SansDroitEcriture(e.path().string())) tous = false;
+    if (ec2 || SansDroitEcriture(CheminInterne(e.path()))) tous = false;
   }
   return tous;
 }

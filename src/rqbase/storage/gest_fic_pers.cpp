@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "rqbase/platform/chemins.h"
 #include "rqbase/storage/gest_fic.h"
 #include "rqbase/util/chaines.h"
 #include "rqbase/util/date_heure.h"
@@ -118,7 +119,7 @@ bool TFicPersons::GetFileDateAndTime(double& dateHeure) {
   const bool immediate = Handle ? Handle->EcritureImmediate() : true;
   Handle.reset();
   struct stat st {};
-  const bool ok = ::stat(chemin.c_str(), &st) == 0;
+  const bool ok = ::stat(CheminOs(chemin).c_str(), &st) == 0;
   if (ok) dateHeure = 25569.0 + static_cast<double>(st.st_mtim.tv_sec) / 86400.0;
   Handle = Gestion->OuvertureFichier(chemin, false);
   if (Handle && !immediate) Handle->ChangeEcritureImmediate(false);

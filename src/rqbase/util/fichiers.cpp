@@ -4,17 +4,19 @@
 #include <filesystem>
 #include <system_error>
 
+#include "rqbase/platform/chemins.h"
+
 namespace rqbase {
 namespace fs = std::filesystem;
 
 bool FichierExiste(const std::string& chemin) {
   std::error_code ec;
-  return !chemin.empty() && fs::is_regular_file(chemin, ec);
+  return !chemin.empty() && fs::is_regular_file(CheminOs(chemin), ec);
 }
 
 bool DossierExiste(const std::string& chemin) {
   std::error_code ec;
-  return !chemin.empty() && fs::is_directory(chemin, ec);
+  return !chemin.empty() && fs::is_directory(CheminOs(chemin), ec);
 }
 
 std::string AjouteSlashSiNecessaire(const std::string& chemin) {
@@ -29,18 +31,20 @@ std::string SupprimeSlashSiNecessaire(const std::string& chemin) {
 
 bool DeleteDirectoryRecursif(const std::string& dossier) {
   std::error_code ec;
-  fs::remove_all(dossier, ec);
-  return !ec && !fs::exists(dossier, ec);
+  const fs::path p = CheminOs(dossier);
+  fs::remove_all(p, ec);
+  return !ec && !fs::exists(p, ec);
 }
 
 bool CopyDirectory(const std::string& source, const std::string& cible, const std::function<bool()>& parElement) {
   std::error_code ec;
-  if (!fs::is_directory(source, ec)) return false;
-  fs::create_directories(cible, ec);
+  const fs::path depart = CheminOs(source), arrivee = CheminOs(cible);
+  if (!fs::is_directory(depart, ec)) return false;
+  fs::create_directories(arrivee, ec);
   if (ec) return false;
-  for (auto it = fs::recursive_directory_iterator(source, ec); !ec && it != fs::recursive_directory_iterator();
+  for (auto it = fs::recursive_directory_iterator(depart, ec); !ec && it != fs::recursive_directory_iterator();
        it.increment(ec)) {
-    const fs::path destination = fs::path(cible) / fs::relative(it->path(), source, ec);
+    const fs::path destination = arrivee / fs::relative(it->path(), depart, ec);
     if (it->is_directory(ec))
       fs::create_directories(destination, ec);
     else
@@ -53,9 +57,10 @@ bool CopyDirectory(const std::string& source, const std::string& cible, const st
 
 long CountFileAndDirInDirectory(const std::string& dossier) {
   std::error_code ec;
-  if (!fs::is_directory(dossier, ec)) return 0;
+  const fs::path p = CheminOs(dossier);
+  if (!fs::is_directory(p, ec)) return 0;
   long n = 0;
-  for (auto it = fs::recursive_directory_iterator(dossier, ec); !ec && it != fs::recursive_directory_iterator();
+  for (auto it = fs::recursive_directory_iterator(p, ec); !ec && it != fs::recursive_directory_iterator();
        it.increment(ec))
     ++n;
   return n;

@@ -1,5 +1,6 @@
 // Aides de fichiers et de dossiers de la couche utilitaire. Les chemins sont
-// ceux du système ('/'), en Windows-1252 comme tout texte interne.
+// ceux du système ('/'), en Windows-1252 comme tout texte interne ; ils passent
+// en UTF-8 au seul appel système (platform/chemins.h).
 #pragma once
 #include <functional>
 #include <string>
