@@ -297,17 +297,9 @@ bool ConvJuif::convJuif_civil(std::string_view date) {
   distrib.clear();
   jour.clear();
   int j, m, a;
-  if (!LitTroisNombres(date, j, m, a) || a < 1) return false;
-  anneeHeb = a;
-  jourHeb = j;
-  moisHeb = m;
-  embolismic(a);
-  if (!controleJuif()) return false;
-  std::int64_t jdn = JdnRochHachana(a) + j - 1;
-  for (int i = 1; i < m; ++i) jdn += longueurs[i];
-  jdnResultat = jdn;
+  if (!LitTroisNombres(date, j, m, a) || !PlaceJourHebreu(j, m, a)) return false;
   caractHeb();
-  if (!ResultatCivil(jdn)) return false;
+  if (!ResultatCivil(jdnResultat)) return false;
   setDistrib(TypeAnnee());
   j_sem();
   return true;
@@ -325,6 +317,10 @@ bool ConvJuif::convJuif_civilReponse(std::string_view date) {
 }
 
 bool ConvJuif::convJuif_civilNombres(int j, int m, int a) {
+  return PlaceJourHebreu(j, m, a) && CivilDepuisJdn(jdnResultat);
+}
+
+bool ConvJuif::PlaceJourHebreu(int j, int m, int a) {
   if (a < 1) return false;
   anneeHeb = a;
   jourHeb = j;
@@ -334,7 +330,7 @@ bool ConvJuif::convJuif_civilNombres(int j, int m, int a) {
   std::int64_t jdn = JdnRochHachana(a) + j - 1;
   for (int i = 1; i < m; ++i) jdn += longueurs[i];
   jdnResultat = jdn;
-  return CivilDepuisJdn(jdn);
+  return true;
 }
 
 bool ConvJuif::convCivil_juif(std::string_view date) {

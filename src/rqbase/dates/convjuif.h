@@ -106,6 +106,8 @@ class ConvJuif {
   static std::int64_t CalculeJdnRochHachana(int annee);
   void PoseAnnee(int annee);
   std::string TypeAnnee() const;
+  // Contrôle le jour hébreu et place son numéro de jour julien dans jdnResultat.
+  bool PlaceJourHebreu(int jour, int mois, int annee);
   bool ResultatCivil(std::int64_t jdn);
   bool CivilDepuisJdn(std::int64_t jdn);  // ResultatCivil sans la réponse
 
