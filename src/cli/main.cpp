@@ -32,15 +32,27 @@ void FranciseAide(CLI::App& app) {
   f->column_width(36);
 }
 
-// Un message d'erreur de CLI11, en français.
+// Ce qui suit le dernier « : » d'un message de CLI11 (le nom ou la valeur en cause).
+std::string Detail(const std::string& message) {
+  const size_t p = message.rfind(": ");
+  return p == std::string::npos ? message : message.substr(p + 2);
+}
+
+// Un message d'erreur de CLI11, en français : seuls les noms et valeurs en cause
+// sont repris du message anglais.
 std::string MessageAnalyse(const CLI::ParseError& e) {
-  const std::string detail = e.what();
-  if (dynamic_cast<const CLI::RequiredError*>(&e)) return "argument ou option obligatoire manquant (" + detail + ")";
-  if (dynamic_cast<const CLI::ExtrasError*>(&e)) return "arguments en trop (" + detail + ")";
-  if (dynamic_cast<const CLI::ConversionError*>(&e)) return "valeur invalide (" + detail + ")";
-  if (dynamic_cast<const CLI::ValidationError*>(&e)) return "valeur refusée (" + detail + ")";
-  if (dynamic_cast<const CLI::ArgumentMismatch*>(&e)) return "nombre d'arguments incorrect (" + detail + ")";
-  return "ligne de commande incorrecte (" + detail + ")";
+  const std::string message = e.what();
+  if (dynamic_cast<const CLI::RequiredError*>(&e)) {
+    const size_t p = message.find(" is required");
+    if (message.rfind("A subcommand", 0) == 0) return "il manque la commande (voir --aide)";
+    if (p != std::string::npos) return "argument ou option obligatoire manquant : " + message.substr(0, p);
+    return "il manque une commande ou un argument obligatoire";
+  }
+  if (dynamic_cast<const CLI::ExtrasError*>(&e)) return "argument inattendu : " + Detail(message);
+  if (dynamic_cast<const CLI::ConversionError*>(&e)) return "valeur invalide : " + Detail(message);
+  if (dynamic_cast<const CLI::ValidationError*>(&e)) return "valeur refusée : " + Detail(message);
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&e)) return "nombre d'arguments incorrect : " + Detail(message);
+  return "ligne de commande incorrecte (" + message + ")";
 }
 
 // Aide française et groupe "Commandes" à tous les niveaux de sous-commandes.
