@@ -173,36 +173,35 @@ std::string ConvGregorienRepublicain(std::string_view date) {
   return (jourConnu ? Zeros(jour, 2) : std::string("..")) + "/" + kCodes[mois - 1] + "/" + Zeros(annee + 1, 2);
 }
 
-std::string ConvGregorienHebraique(std::string_view date) {
-  if (DateFormatFourchetteAVC4chiffre(date)) return ConvFourchette(date, 4, 4, ConvAnneeGregHebr, false);
-  if (!DateFormatGregorien(date)) return {};
+// Une date partielle passe par le comput avec un jour inconnu pris au 15 du mois et un
+// mois inconnu au jour fixe de milieu d'année ; le résultat garde les mêmes inconnues.
+template <class TConversion>
+std::string ConvPartielleParComput(std::string_view date, const char* milieuAnnee, TConversion convertit) {
   const std::string jourTexte = Milieu(date, 1, 2), moisTexte = Milieu(date, 4, 2), anneeTexte = Milieu(date, 7, 4);
   if (!PartieConnue(anneeTexte)) return "../../....";
   const bool moisConnu = PartieConnue(moisTexte), jourConnu = PartieConnue(jourTexte);
-  const std::string calcul =
-      moisConnu ? (jourConnu ? jourTexte : "15") + "/" + moisTexte + "/" + anneeTexte : "26/04/" + anneeTexte;
+  const std::string calcul = moisConnu ? (jourConnu ? jourTexte : "15") + "/" + moisTexte + "/" + anneeTexte
+                                       : milieuAnnee + anneeTexte;
   ConvJuif conv;
-  if (!conv.convCivil_juif(calcul)) return {};
+  if (!convertit(conv, calcul)) return {};
   const std::string r = conv.getReponse();
   if (!moisConnu) return "../../" + Milieu(r, 7, 4);
   if (!jourConnu) return "../" + Milieu(r, 4, 7);
   return r;
 }
 
+std::string ConvGregorienHebraique(std::string_view date) {
+  if (DateFormatFourchetteAVC4chiffre(date)) return ConvFourchette(date, 4, 4, ConvAnneeGregHebr, false);
+  if (!DateFormatGregorien(date)) return {};
+  return ConvPartielleParComput(date, "26/04/",
+                                [](ConvJuif& conv, const std::string& calcul) { return conv.convCivil_juif(calcul); });
+}
+
 std::string ConvHebraiqueGregorien(std::string_view date) {
   if (DateFormatFourchetteAVC4chiffre(date)) return ConvFourchette(date, 4, 4, ConvAnneeHebrGreg, false);
   if (!DateFormatHebraique(date)) return {};
-  const std::string jourTexte = Milieu(date, 1, 2), moisTexte = Milieu(date, 4, 2), anneeTexte = Milieu(date, 7, 4);
-  if (!PartieConnue(anneeTexte)) return "../../....";
-  const bool moisConnu = PartieConnue(moisTexte), jourConnu = PartieConnue(jourTexte);
-  const std::string calcul =
-      moisConnu ? (jourConnu ? jourTexte : "15") + "/" + moisTexte + "/" + anneeTexte : "18/08/" + anneeTexte;
-  ConvJuif conv;
-  if (!conv.convJuif_civilReponse(calcul)) return {};
-  const std::string r = conv.getReponse();
-  if (!moisConnu) return "../../" + Milieu(r, 7, 4);
-  if (!jourConnu) return "../" + Milieu(r, 4, 7);
-  return r;
+  return ConvPartielleParComput(
+      date, "18/08/", [](ConvJuif& conv, const std::string& calcul) { return conv.convJuif_civilReponse(calcul); });
 }
 
 int ConvAnneeGregHebr(int annee) {
