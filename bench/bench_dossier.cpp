@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "rqbase/person/gest_pers.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/dossier/gest_fic.h"
 
 namespace {
 

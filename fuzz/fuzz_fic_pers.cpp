@@ -14,7 +14,7 @@
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/storage/fic_ext_pers.h"
 #include "rqbase/storage/fic_pers_suppr.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/dossier/gest_fic.h"
 
 namespace {
 

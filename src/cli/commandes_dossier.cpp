@@ -3,16 +3,19 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <iostream>
 #include <filesystem>
 #include <memory>
 #include <optional>
 
 #include "commandes.h"
 #include "rqbase/person/gest_pers.h"
+#include "rqbase/platform/attributs.h"
 #include "rqbase/platform/chemins.h"
+#include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/storage/fic_pers_suppr.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/dossier/gest_fic.h"
 #include "rqbase/storage/gest_fic_pers.h"
 #include "rqbase/util/date_heure.h"
 #include "rqbase/util/erreur.h"
@@ -28,35 +31,71 @@ using rqbase::ERqBase;
 using rqbase::TGestFichier;
 using rqbase::TPerson;
 
-// Le .prs d'un dossier nommé par son dossier système (avec ou sans .rq2) ou son .prs.
+// Le .prs d'un dossier nommé par son dossier système (avec ou sans .rq2) ou son .prs. Le
+// dossier système est pris sous son vrai nom (liens résolus) : c'est son extension qui dit
+// s'il est courant ou ancien, pas le nom d'un lien qui y mène.
 std::string CheminPrs(const std::string& nom) {
   fs::path p(rqbase::SupprimeSlashSiNecessaire(nom));
-  if (p.extension() == ".prs" || p.extension() == ".PRS") return p.string();
-  // Un chemin que le système refuse se lit comme absent : le message d'erreur est le nôtre.
   std::error_code ec;
-  if (!fs::is_directory(rqbase::CheminOs(p.string()), ec) && fs::is_directory(rqbase::CheminOs(p.string() + ".rq2"), ec))
-    p = p.string() + ".rq2";
-  return (p / (p.stem().string() + ".prs")).string();
+  if (p.extension() != ".prs" && p.extension() != ".PRS") {
+    // Un chemin que le système refuse se lit comme absent : le message d'erreur est le nôtre.
+    if (!fs::is_directory(rqbase::CheminOs(p.string()), ec) && fs::is_directory(rqbase::CheminOs(p.string() + ".rq2"), ec))
+      p = p.string() + ".rq2";
+    const fs::path reel = fs::canonical(rqbase::CheminOs(p.string()), ec);
+    if (!ec) p = rqbase::CheminInterne(reel);
+    return (p / (p.stem().string() + ".prs")).string();
+  }
+  const fs::path dossier = fs::canonical(rqbase::CheminOs(p.parent_path().empty() ? "." : p.parent_path().string()), ec);
+  if (!ec) p = fs::path(rqbase::CheminInterne(dossier)) / p.filename();
+  return p.string();
+}
+
+// Un dossier généalogique courant : `<nom>.rq2` qui tient `<nom>.prs`. Toute autre cible
+// d'une suppression ou d'un renommage est refusée avant d'ouvrir quoi que ce soit.
+void VerifieDossierGenealogique(const std::string& nom) {
+  const fs::path prs(CheminPrs(Arg(nom)));
+  const fs::path dossier = prs.parent_path();
+  if (rqbase::MajusculesCp1252(dossier.extension().string()) != ".RQ2" || dossier.stem() != prs.stem() ||
+      !rqbase::FichierExiste(prs.string()))
+    throw ERqBase("\"" + Arg(nom) + "\" n'est pas un dossier généalogique (un dossier <nom>.rq2 qui tient <nom>.prs) : rien n'a été changé.");
+}
+
+// Vrai quand le dossier ne peut être écrit : dossier système ou fichier des personnes sans
+// droit d'écriture, ou dossier ancien (qui ne s'ouvre qu'en lecture).
+bool DossierEnLectureSeule(const std::string& prs) {
+  const fs::path p(prs);
+  const std::string dossier = p.parent_path().string();
+  const std::string ext = rqbase::MajusculesCp1252(fs::path(dossier).extension().string());
+  return ext != ".RQ2" || rqbase::SansDroitEcriture(dossier) || rqbase::SansDroitEcriture(prs);
 }
 
 std::unique_ptr<TGestFichier> Ouvre(const std::string& nom, bool lectureSeule) {
   const std::string prs = CheminPrs(Arg(nom));
   if (!rqbase::FichierExiste(prs)) throw ERqBase("Le dossier \"" + Arg(nom) + "\" est introuvable.");
-  auto gest = std::make_unique<TGestFichier>(prs, false, false, false, false, 0, rqbase::mcLectureSeule, lectureSeule);
-  if (gest->EnErreur() || !gest->FicPersons())
+  // Tout se vérifie avant d'ouvrir en écriture : une commande refusée ne change rien.
+  if (!lectureSeule && DossierEnLectureSeule(prs))
+    throw ERqBase("Le dossier \"" + Arg(nom) + "\" est en lecture seule : rien n'a été changé.");
+  // Un dossier sans l'extension .rq2 est ancien : il ne s'ouvre qu'en lecture, et rien n'y
+  // est renommé ni mis de côté.
+  auto gest = std::make_unique<TGestFichier>(prs, false, false, false, false, 0, rqbase::mcLectureSeule,
+                                             lectureSeule || DossierEnLectureSeule(prs));
+  if (gest->EnErreur() || !gest->FicPersons()) {
+    if (!gest->MessageErreur().empty()) throw ERqBase(gest->MessageErreur());
     throw ERqBase("Le dossier \"" + Arg(nom) + "\" ne peut pas être ouvert.");
+  }
   return gest;
+}
+
+// Après une écriture : ce qui n'est pas sur le disque ne se dit pas fait.
+void VerifieEcriture(const TGestFichier& gest, const std::string& quoi) {
+  if (gest.EcritureRatee() || gest.EnErreur())
+    throw ERqBase("L'écriture dans le dossier a échoué (disque plein ou erreur du disque) : " + quoi);
 }
 
 // Les commandes de lecture ouvrent toujours en lecture seule (rien ne change sur le
 // disque) ; l'état du dossier lui-même se lit à ses droits et à sa version.
 bool LectureSeule(const TGestFichier& gest) {
-  const std::string dossier = rqbase::SupprimeSlashSiNecessaire(gest.DossierFichiers());
-  const std::string prs = gest.FabriqueNomFichier(rqbase::tfPersons);
-  const fs::path dossierOs = rqbase::CheminOs(dossier), prsOs = rqbase::CheminOs(prs);
-  return gest.AnneeVersion() != 2020 || ::access(dossierOs.c_str(), W_OK) != 0 || ::access(prsOs.c_str(), W_OK) != 0 ||
-         (fs::status(dossierOs).permissions() & fs::perms::owner_write) == fs::perms::none ||
-         (fs::status(prsOs).permissions() & fs::perms::owner_write) == fs::perms::none;
+  return gest.AnneeVersion() != 2020 || DossierEnLectureSeule(gest.FabriqueNomFichier(rqbase::tfPersons));
 }
 
 json Liste(const rqbase::TLienPers* liens, int n) {
@@ -176,20 +215,32 @@ void Personne(TContexteCli& ctx, const std::string& nom, long no) {
 
 void AjoutePersonne(TContexteCli& ctx, const std::string& nom, const std::string& nomFamille,
                     const std::string& prenoms, const std::string& sexe) {
-  auto gest = Ouvre(nom, false);
-  if (gest->IsReadOnly()) throw ERqBase("Le dossier est en lecture seule : rien n'a été ajouté.");
+  // Tout se vérifie avant d'ouvrir : une commande refusée ne change pas un octet.
   const std::string s = Arg(sexe);
   if (s != "M" && s != "F" && s != "?") throw ERqBase("Le sexe doit être M, F ou ?.");
+  const std::string nomInterne = ArgTexte(nomFamille, "le nom");
+  const std::string prenomsInternes = ArgTexte(prenoms, "les prénoms");
+  if (nomInterne.size() > 100) throw ERqBase("Le nom dépasse 100 caractères : rien n'a été enregistré.");
+  if (prenomsInternes.size() > 70) throw ERqBase("Les prénoms dépassent 70 caractères : rien n'a été enregistré.");
+  auto gest = Ouvre(nom, false);
   TPerson p(gest->FicPersons(), 0);
   p.NouvelleFiche(-3);
-  p.SetNom(Arg(nomFamille));
-  p.SetPrenoms(Arg(prenoms));
+  p.SetNom(nomInterne);
+  p.SetPrenoms(prenomsInternes);
   p.SetSexe(s[0]);
   p.Enregistrement();
   gest->EcritureEntete();
-  if (gest->EnErreur()) throw ERqBase("L'écriture dans le dossier a échoué.");
+  VerifieEcriture(*gest, "la personne n'a pas été ajoutée.");
   if (ctx.Json) return EcritJson({{"numero", p.No()}});
   Ecrit("Personne " + std::to_string(p.No()) + " ajoutée.");
+}
+
+// Le compte rendu d'une opération sur le dossier entier : erreur, ou succès avec ce qui a
+// été laissé (fichiers qui n'étaient pas au dossier) dit sur stderr.
+void Conclut(const rqbase::TCompteRendu& r) {
+  if (!r.Reussi) throw ERqBase(r.Message);
+  for (const auto& f : r.Conserves)
+    std::cerr << U("Laissé en place (n'appartient pas au dossier) : " + f) << '\n';
 }
 
 }  // namespace
@@ -211,16 +262,20 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx) {
     fs::path p(rqbase::SupprimeSlashSiNecessaire(Arg(o.Chemin)));
     if (p.extension() != ".rq2") p = p.string() + ".rq2";
     const std::string prs = (p / (p.stem().string() + ".prs")).string();
+    const std::string titre = ArgTexte(o.Titre, "le titre");
+    if (titre.size() > 100) throw ERqBase("Le titre dépasse 100 caractères : rien n'a été créé.");
     TGestFichier gest(prs, true, false, false, false, o.PremierePersonne ? 1 : 0, rqbase::mcFormulaire, false);
     if (gest.EnErreur()) {
       if (gest.DerniereReponse() != 0)
         throw ERqBase("Le dossier \"" + p.string() + "\" existe déjà : rien n'a été changé.");
+      if (!gest.MessageErreur().empty()) throw ERqBase(gest.MessageErreur());
       throw ERqBase("Le dossier \"" + p.string() + "\" n'a pas pu être créé.");
     }
-    if (!o.Titre.empty()) {
-      gest.Titre = Arg(o.Titre);
+    if (!titre.empty()) {
+      gest.Titre = titre;
       gest.EcritureEntete();
     }
+    VerifieEcriture(gest, "le dossier est incomplet.");
     if (ctx.Json) return EcritJson({{"dossier", Texte(p.string())}, {"identifiant", Texte(gest.GetIdGenea())}});
     Ecrit("Dossier créé : " + p.string());
   });
@@ -256,8 +311,7 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx) {
     if (cible.extension() != ".rq2") cible = cible.string() + ".rq2";
     std::error_code ec;
     if (fs::exists(rqbase::CheminOs(cible.string()), ec)) throw ERqBase("Le dossier \"" + cible.string() + "\" existe déjà.");
-    if (!gest->DupliqueGenealogie(cible.string()))
-      throw ERqBase("La copie vers \"" + cible.string() + "\" a échoué.");
+    Conclut(gest->DupliqueDossier(cible.string()));
     if (ctx.Json) return EcritJson({{"dossier", Texte(cible.string())}});
     Ecrit("Dossier copié : " + cible.string());
   });
@@ -266,11 +320,12 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx) {
   renommer->add_option("DOSSIER", o.Chemin, U("Dossier .rq2 ou fichier .prs"))->required();
   renommer->add_option("NOM", o.Nom, U("Nouveau nom (sans .rq2)"))->required();
   renommer->callback([&ctx] {
+    const std::string nouveau = ArgTexte(o.Nom, "le nouveau nom");
+    if (nouveau.empty() || nouveau.find('/') != std::string::npos || nouveau[0] == '.')
+      throw ERqBase("Nouveau nom invalide : rien n'a changé.");
+    VerifieDossierGenealogique(o.Chemin);
     auto gest = Ouvre(o.Chemin, false);
-    if (gest->IsReadOnly()) throw ERqBase("Le dossier est en lecture seule : il n'a pas été renommé.");
-    const std::string nouveau = Arg(o.Nom);
-    if (nouveau.empty() || nouveau.find('/') != std::string::npos) throw ERqBase("Nouveau nom invalide.");
-    if (!gest->RenommeGenealogie(nouveau)) throw ERqBase("Le dossier n'a pas pu être renommé.");
+    Conclut(gest->RenommeDossier(nouveau));
     const std::string dossier = rqbase::SupprimeSlashSiNecessaire(gest->DossierFichiers());
     if (ctx.Json) return EcritJson({{"dossier", Texte(dossier)}});
     Ecrit("Dossier renommé : " + dossier);
@@ -279,12 +334,13 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx) {
   auto* supprimer = app.add_subcommand("supprimer", U("Supprime un dossier et tout son contenu"));
   supprimer->add_option("DOSSIER", o.Chemin, U("Dossier .rq2 ou fichier .prs"))->required();
   supprimer->callback([&ctx] {
-    auto gest = Ouvre(o.Chemin, true);
+    VerifieDossierGenealogique(o.Chemin);
+    auto gest = Ouvre(o.Chemin, false);
     const std::string dossier = rqbase::SupprimeSlashSiNecessaire(gest->DossierFichiers());
     const int reponse = rqbase::Dialogue().Question("Supprimer définitivement le dossier \"" + dossier + "\" ?",
                                                     "Suppression d'un dossier", rqbase::TBoutons::OuiNon);
     if (reponse != rqbase::ReponseOui) throw ERqBase("Suppression abandonnée : rien n'a été changé.");
-    if (!gest->SuppressionGenealogie()) throw ERqBase("Le dossier n'a pas pu être supprimé entièrement.");
+    Conclut(gest->SupprimeDossier());
     if (ctx.Json) return EcritJson({{"supprime", Texte(dossier)}});
     Ecrit("Dossier supprimé : " + dossier);
   });

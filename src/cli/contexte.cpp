@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "rqbase/platform/cp1252.h"
+#include "rqbase/util/erreur.h"
 
 namespace rqcli {
 namespace {
@@ -22,6 +23,25 @@ extern "C" void SurInterruption(int) {
 std::string U(const std::string& cp1252) { return rqbase::VersUtf8(cp1252); }
 
 std::string Arg(const std::string& utf8) { return rqbase::DepuisUtf8(utf8); }
+
+std::string ArgTexte(const std::string& utf8, const std::string& quoi) {
+  char code[16];
+  if (const char32_t fautif = rqbase::PremierCaractereSansEquivalent(utf8)) {
+    std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(fautif));
+    throw rqbase::ERqBase("Le caractère " + std::string(code) + " (dans " + quoi + ")" +
+                          " n'existe pas dans le codage des dossiers (Windows-1252) : rien n'a été enregistré.");
+  }
+  const std::string texte = rqbase::DepuisUtf8(utf8);
+  for (unsigned char c : texte) {
+    if (c < 0x20 || c == 0x7F) {
+      std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(c));
+      std::string sujet = quoi;
+      if (!sujet.empty()) sujet[0] = static_cast<char>(rqbase::MajusculeCp1252(static_cast<unsigned char>(sujet[0])));
+      throw rqbase::ERqBase(sujet + " contient un caractère de contrôle (" + code + ") : rien n'a été enregistré.");
+    }
+  }
+  return texte;
+}
 
 json Texte(const std::string& cp1252) { return json(rqbase::VersUtf8(cp1252)); }
 

@@ -26,6 +26,11 @@ struct TContexteCli {
 std::string U(const std::string& cp1252);
 // Argument de la ligne de commande (UTF-8) -> texte interne (Windows-1252).
 std::string Arg(const std::string& utf8);
+// Un texte à enregistrer dans un dossier (UTF-8 -> Windows-1252), sans rien changer en
+// silence : un caractère que le codage des dossiers n'a pas, ou un caractère de contrôle
+// (tabulation, saut de ligne, échappement...), est refusé par une ERqBase qui le nomme.
+// `quoi` dit de quel texte il s'agit ("le nom", "les prénoms").
+std::string ArgTexte(const std::string& utf8, const std::string& quoi);
 // Texte interne -> valeur JSON (UTF-8).
 json Texte(const std::string& cp1252);
 // Écrit une ligne de texte interne sur la sortie standard, en UTF-8.

@@ -10,7 +10,7 @@
 #include "rqbase/fields/fichier_dch.h"
 #include "rqbase/fields/table_defaut.h"
 #include "rqbase/platform/fichier.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/dossier/gest_fic.h"
 #include "rqbase/util/erreur.h"
 
 using namespace rqbase;

@@ -3,7 +3,7 @@
 
 #include "dossier_essai.h"
 #include "rqbase/person/buffer_arb_chrono.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/dossier/gest_fic.h"
 
 namespace rqbase {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "dossier_essai.h"
 #include "rqbase/person/gest_pers.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/dossier/gest_fic.h"
 
 namespace rqbase {
 namespace {

@@ -8,7 +8,7 @@
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/storage/fic_ext_pers.h"
 #include "rqbase/storage/fic_pers_suppr.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/dossier/gest_fic.h"
 #include "rqbase/storage/gest_fic_pers.h"
 #include "rqbase/util/erreur.h"
 

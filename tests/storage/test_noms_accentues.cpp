@@ -6,7 +6,7 @@
 #include "dossier_essai.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/storage/datamodulebdd.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/dossier/gest_fic.h"
 #include "rqbase/storage/gest_fic_pers.h"
 #include "rqbase/util/fichiers.h"
 

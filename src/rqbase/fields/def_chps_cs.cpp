@@ -7,7 +7,7 @@
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/journal.h"
 #include "rqbase/platform/ressources.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/storage/contexte_dossier.h"
 #include "rqbase/util/erreur.h"
 #include "rqbase/util/fichiers.h"
 
@@ -28,17 +28,17 @@ void Defaut(TStringList& l, const char* texte) { l.SetCommaText(texte); }
 
 }  // namespace
 
-TDefChpsCs::TDefChpsCs(TGestFichier* fichier, bool nouveau, const std::string& cheminCatalogue)
+TDefChpsCs::TDefChpsCs(TContexteDossier* fichier, bool nouveau, const std::string& cheminCatalogue)
     : Fichier(fichier), Chemin(cheminCatalogue) {
   Construit(nouveau);
 }
 
-TDefChpsCs::TDefChpsCs(TGestFichier* fichier, bool nouveau)
+TDefChpsCs::TDefChpsCs(TContexteDossier* fichier, bool nouveau)
     : Fichier(fichier), Chemin(fichier ? fichier->FabriqueNomFichier(tfDch) : std::string()) {
   Construit(nouveau);
 }
 
-TDefChpsCs::TDefChpsCs(TGestFichier* fichier, const TContenuDch& contenu, bool miseANiveau) : Fichier(fichier) {
+TDefChpsCs::TDefChpsCs(TContexteDossier* fichier, const TContenuDch& contenu, bool miseANiveau) : Fichier(fichier) {
   Initialise();
   Charge(contenu, miseANiveau);
 }

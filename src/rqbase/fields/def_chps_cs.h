@@ -26,7 +26,7 @@
 
 namespace rqbase {
 
-class TGestFichier;
+class TContexteDossier;
 
 // Le nom d'un catalogue à prendre pour modèle d'un dossier neuf ; vide : aucun.
 // Seul un fichier existant d'extension ".DCH" (en capitales) est pris.
@@ -58,18 +58,18 @@ class TDefChpsCs {
   // Ouvre le catalogue du fichier `cheminCatalogue` (voir docs/architecture.md pour
   // les étapes). `fichier` peut être nul (outils, tests). Une lecture ratée d'un
   // fichier existant laisse le catalogue vide, ErreurES() vrai, et n'écrit rien.
-  TDefChpsCs(TGestFichier* fichier, bool nouveau, const std::string& cheminCatalogue);
+  TDefChpsCs(TContexteDossier* fichier, bool nouveau, const std::string& cheminCatalogue);
   // Le catalogue d'un dossier ouvert : le fichier de type 20 ; une erreur
   // d'entrée-sortie lève le drapeau d'erreur du dossier.
-  TDefChpsCs(TGestFichier* fichier, bool nouveau);
+  TDefChpsCs(TContexteDossier* fichier, bool nouveau);
   // Un catalogue fait d'un contenu déjà lu, sans fichier (outils, essais) : mêmes
   // étapes qu'à l'ouverture d'un dossier existant quand `miseANiveau`, rien n'est écrit.
-  TDefChpsCs(TGestFichier* fichier, const TContenuDch& contenu, bool miseANiveau);
+  TDefChpsCs(TContexteDossier* fichier, const TContenuDch& contenu, bool miseANiveau);
   ~TDefChpsCs();
   TDefChpsCs(const TDefChpsCs&) = delete;
   TDefChpsCs& operator=(const TDefChpsCs&) = delete;
 
-  TGestFichier* Fichier = nullptr;
+  TContexteDossier* Fichier = nullptr;
   bool Modifie = false;  // un champ portant un symbole ou un participe a été chargé
   std::string VersionChaine;
   std::vector<std::unique_ptr<TChpCs>> Champs;

@@ -3,9 +3,9 @@
 
 namespace rqbase {
 
-TBufferisationArbChrono& TBufferisationArbChrono::De(TFicPersons& fic) {
+TCachePersonnes& TBufferisationArbChrono::De(TFicPersons& fic) {
   if (!fic.Cache()) fic.InstalleCache(std::make_unique<TBufferisationArbChrono>(&fic));
-  return static_cast<TBufferisationArbChrono&>(*fic.Cache());
+  return *fic.Cache();
 }
 
 TPerson* TBufferisationArbChrono::GetPerson(long no, bool complement) {

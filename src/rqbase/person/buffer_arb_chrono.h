@@ -19,17 +19,17 @@ class TBufferisationArbChrono : public TCachePersonnes {
   explicit TBufferisationArbChrono(TFicPersons* fic, size_t capacite = TFicPersons::CapaciteCache)
       : Fic(fic), Capacite(std::max<size_t>(1, capacite)) {}
 
-  // Le cache du fichier, créé au premier appel.
-  static TBufferisationArbChrono& De(TFicPersons& fic);
+  // Le cache du fichier, créé au premier appel ; vu par son interface.
+  static TCachePersonnes& De(TFicPersons& fic);
 
   // La personne en cache, ou lue du disque (sans cache) et ajoutée. Un numéro négatif
   // autre que -2 vaut 0.
-  TPerson* GetPerson(long no, bool complement);
+  TPerson* GetPerson(long no, bool complement) override;
   // Plein : le plus petit numéro part d'abord. Le cache prend possession de `personne`.
   void AjoutePersonne(TPerson* personne);
   // Recopie `personne` sur son double ; nul si absent ou si le drapeau de la personne
   // l'interdit.
-  TPerson* Update(const TPerson& personne, bool forcer = false);
+  TPerson* Update(const TPerson& personne, bool forcer = false) override;
   void Delete(long no) override;
   void RazBuffers() override;
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "rqbase/person/buffer_arb_chrono.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/storage/contexte_dossier.h"
 
 namespace rqbase {
 
@@ -122,7 +122,7 @@ void TPerson::Lecture(long no, bool complement, int typeLecture, bool viaBuffer)
   } else {
     LectureDisque(complement);
   }
-  if (TGestFichier* gest = Gest()) gest->NoteLecture();
+  if (TContexteDossier* gest = Gest()) gest->NoteLecture();
   Numeros.clear();
 }
 
@@ -130,7 +130,7 @@ void TPerson::LectureDisque(bool complement) {
   // Vide la fiche sans toucher au numéro (un -3 ne doit pas en prendre un neuf ici).
   LibereMemoire();
   Enreg.Raz();
-  TGestFichier* gest = Gest();
+  TContexteDossier* gest = Gest();
   if (!gest || Numero == 0 || Numero > Fichier->NbPersEffective() || gest->EnErreur()) return;
   TEnreg enreg;
   if (!Fichier->LitEnreg(Numero, enreg)) {
@@ -234,7 +234,7 @@ void TPerson::Enregistrement(long no, TFicPersons* fic, bool sansChamps, bool sa
   TFicPersons* garde = Fichier;
   if (fic) Fichier = fic;
   if (no != -3) Numero = no;
-  TGestFichier* gest = Gest();
+  TContexteDossier* gest = Gest();
   if (!gest || Numero == 0 || gest->IsReadOnly() || gest->EnErreur()) {
     Fichier = garde;
     return;
@@ -269,7 +269,7 @@ void TPerson::Enregistrement(long no, TFicPersons* fic, bool sansChamps, bool sa
 
 void TPerson::UpdateBufferPerson(bool forcer) {
   if (!Fichier || !Fichier->Cache() || Numero <= 0) return;
-  static_cast<TBufferisationArbChrono*>(Fichier->Cache())->Update(*this, forcer);
+  Fichier->Cache()->Update(*this, forcer);
 }
 
 void TPerson::ViderCachesChps() {

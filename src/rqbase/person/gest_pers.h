@@ -27,7 +27,7 @@
 
 namespace rqbase {
 
-class TGestFichier;
+class TContexteDossier;
 
 class TPerson {
  public:
@@ -166,7 +166,7 @@ class TPerson {
 
   long No() const { return Numero; }
   TFicPersons* Fic() const { return Fichier; }
-  TGestFichier* Gest() const { return Fichier ? Fichier->Gest() : nullptr; }
+  TContexteDossier* Gest() const { return Fichier ? Fichier->Gest() : nullptr; }
 
   TEnregPublic Enreg;
   bool MajBuffer = true;  // permet à UpdateBufferPerson de rafraîchir le double du cache

@@ -138,6 +138,20 @@ std::string DepuisUtf8(std::string_view utf8) {
   return r;
 }
 
+char32_t PremierCaractereSansEquivalent(std::string_view utf8) {
+  for (size_t i = 0; i < utf8.size();) {
+    char32_t u = 0;
+    const int n = DecodeUtf8(utf8, i, u);
+    if (n == 0) {
+      ++i;
+      continue;
+    }
+    if (OctetDepuisPointDeCode(u) < 0) return u;
+    i += size_t(n);
+  }
+  return 0;
+}
+
 bool EstUtf8Valide(std::string_view texte) {
   for (size_t i = 0; i < texte.size();) {
     char32_t u = 0;

@@ -24,6 +24,9 @@ std::string VersUtf8(std::string_view cp1252);
 // UTF-8 -> Windows-1252 : un caractère sans équivalent devient '?', une suite
 // d'octets invalide est lue octet par octet comme du Windows-1252.
 std::string DepuisUtf8(std::string_view utf8);
+// Le premier caractère d'un texte UTF-8 qui n'a pas d'équivalent en Windows-1252, ou 0 si
+// tous en ont un (un octet invalide compte comme du Windows-1252, comme dans DepuisUtf8).
+char32_t PremierCaractereSansEquivalent(std::string_view utf8);
 // Vrai si le texte est de l'UTF-8 bien formé (utile pour deviner un codage d'entrée).
 bool EstUtf8Valide(std::string_view texte);
 

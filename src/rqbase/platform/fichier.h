@@ -49,6 +49,10 @@ class TPannes {
   std::atomic<bool> Armee{false};
 };
 
+// Un fichier ouvert pour des enregistrements à accès direct. Deux réalisations : le
+// fichier du système (Ouvre) et le fichier en mémoire d'un TDisqueMemoire installé
+// (fichier_memoire.h), qui tient un dossier entier sans toucher au disque. Les pannes
+// injectées et la règle des longueurs valent pour les deux.
 class TFichierBrut {
  public:
   enum class TAcces { Lecture, LectureEcriture };
@@ -58,25 +62,33 @@ class TFichierBrut {
     CreeOuRemplace,  // toujours vide après l'ouverture
   };
 
-  // nullptr en cas d'échec ; DerniereErreur() donne alors errno.
+  // nullptr en cas d'échec ; DerniereErreur() donne alors errno. Un lien symbolique
+  // n'est jamais suivi (ELOOP) et seul un fichier ordinaire s'ouvre (un dossier : EISDIR,
+  // un tube, un périphérique ou une prise : EINVAL), sans jamais attendre sur un tube.
+  // Quand un disque en mémoire est installé, c'est lui qui sert le chemin.
   static std::unique_ptr<TFichierBrut> Ouvre(const std::string& chemin, TAcces acces, TDisposition disposition,
                                              bool ecritureImmediate = true);
   static int DerniereErreur();
 
-  ~TFichierBrut();
+  virtual ~TFichierBrut() = default;
   TFichierBrut(const TFichierBrut&) = delete;
   TFichierBrut& operator=(const TFichierBrut&) = delete;
 
   // Octets lus (moins que demandé en fin de fichier), ou -1 en cas d'échec.
   int64_t LitA(int64_t position, void* tampon, size_t taille);
-  // Octets écrits (moins que demandé si le disque refuse la suite), ou -1.
+  // Octets écrits : `taille` quand tout est parti ; moins si le disque a refusé la suite
+  // (disque plein), -1 en cas d'échec. L'appelant tient toute écriture incomplète pour ratée.
   int64_t EcritA(int64_t position, const void* tampon, size_t taille);
+  // Écrit tout ou rend false : la forme à utiliser pour un enregistrement.
+  bool EcritTout(int64_t position, const void* tampon, size_t taille) {
+    return EcritA(position, tampon, taille) == static_cast<int64_t>(taille);
+  }
   // Taille en octets, ou -1.
-  int64_t Taille() const;
-  bool Tronque(int64_t taille);
-  bool Flush();
-  // Change le mode d'écriture immédiate en rouvrant le descripteur.
-  bool ChangeEcritureImmediate(bool immediate);
+  virtual int64_t Taille() const = 0;
+  virtual bool Tronque(int64_t taille) = 0;
+  virtual bool Flush() = 0;
+  // Change le mode d'écriture immédiate (le fichier du système rouvre son descripteur).
+  virtual bool ChangeEcritureImmediate(bool immediate) = 0;
 
   bool EcritureImmediate() const { return Immediate; }
   bool EnLectureSeule() const { return Acces == TAcces::Lecture; }
@@ -84,9 +96,16 @@ class TFichierBrut {
 
   static TPannes& Pannes();
 
- private:
-  TFichierBrut(int fd, std::string chemin, TAcces acces, bool immediate);
-  int Fd;
+ protected:
+  TFichierBrut(std::string chemin, TAcces acces, bool immediate)
+      : CheminFichier(std::move(chemin)), Acces(acces), Immediate(immediate) {}
+  // Les opérations de la réalisation, sans pannes : lecture jusqu'à `taille` ou la fin,
+  // écriture de tout ou de ce que le support a pris.
+  virtual int64_t LitBrut(int64_t position, void* tampon, size_t taille) = 0;
+  virtual int64_t EcritBrut(int64_t position, const void* tampon, size_t taille) = 0;
+  friend class TDisqueMemoire;
+  static void FixeDerniereErreur(int erreur);
+
   std::string CheminFichier;
   TAcces Acces;
   bool Immediate;

@@ -1,8 +1,8 @@
 // Le motif des fichiers d'enregistrements d'un dossier, écrit une fois.
 //
 // Un fichier d'enregistrements est plat : des enregistrements de taille fixe numérotés
-// à partir de 1, l'enregistrement N à l'octet N × taille, l'enregistrement 0 étant
-// l'en-tête dont le premier mot de 32 bits est le compte des numéros donnés.
+// à partir de 1, l'enregistrement N à l'octet N × taille (sur 64 bits), l'enregistrement 0
+// étant l'en-tête dont le premier mot de 32 bits est le compte des numéros donnés.
 // Numéros réservés : -2 désigne l'en-tête (octet 0), -3 garde le numéro de l'objet.
 //
 // Contrat commun :
@@ -10,10 +10,15 @@
 //    une lecture réussie le baisse (le drapeau est affecté, pas cumulé) ; une lecture
 //    courte n'est pas un échec, la fin manquante reste à zéro ;
 //  - une écriture est abandonnée sans bruit si le dossier est en lecture seule ou en
-//    erreur ; une écriture qui rend zéro octet lève le drapeau ;
+//    erreur ; une écriture ratée ou incomplète lève le drapeau d'erreur et l'échec
+//    d'écriture du dossier, qui ne retombe pas ;
+//  - un numéro neuf (ReturnNewNum) ne monte d'abord que le compte en mémoire : l'en-tête
+//    qui le couvre s'écrit juste après l'enregistrement lui-même. Ainsi le compte sur le
+//    disque ne couvre jamais un enregistrement qui n'y est pas ; une panne entre les deux
+//    laisse un numéro non compté, que le prochain ReturnNewNum redonne ;
+//  - le compte lu d'un en-tête est borné par ce que le fichier contient : un en-tête qui
+//    annonce plus d'enregistrements que le fichier n'en tient est lu aussi loin qu'il se peut ;
 //  - rien n'est gardé en mémoire : chaque écriture va droit au système.
-// Chaque classe nommée (TFicExtPersons, TFicPersSuppr...) garde son texte d'exception
-// et ses particularités ; ce modèle ne porte que le motif.
 #pragma once
 #include <bit>
 #include <cstdint>
@@ -22,98 +27,88 @@
 #include <string>
 
 #include "rqbase/platform/fichier.h"
+#include "rqbase/storage/contexte_dossier.h"
 
 static_assert(std::endian::native == std::endian::little, "les fichiers du dossier sont petit-boutistes");
 
 namespace rqbase {
 
-class TGestFichier;
-
-// Octet de l'enregistrement `no` : 0 pour -2 (l'en-tête), sinon no × taille.
-// Les décalages sont sur 32 bits dans ces fichiers.
+// Octet de l'enregistrement `no` : 0 pour -2 (l'en-tête), sinon no × taille, sur 64 bits.
+// Un numéro négatif autre que -2 n'a pas d'octet (-1).
 inline int64_t DecalageEnreg(long no, size_t taille) {
-  return no == -2 ? 0 : static_cast<int64_t>(static_cast<uint32_t>(static_cast<int32_t>(no) * static_cast<int32_t>(taille)));
+  if (no == -2) return 0;
+  if (no < 0) return -1;
+  return static_cast<int64_t>(no) * static_cast<int64_t>(taille);
 }
 
-// Lit `taille` octets à l'enregistrement `no` dans `tampon` (mis à zéro d'abord) et
-// affecte au dossier le drapeau d'erreur selon l'issue. Rend true si des octets sont venus.
-// Dossier déjà en erreur : tampon à zéro, rien n'est lu, le drapeau reste.
-bool LitEnregistrement(TGestFichier* gest, TFichierBrut* fichier, long no, void* tampon, size_t taille);
-// Écrit l'enregistrement ; même règle pour le drapeau. N'écrit rien (et rend false)
-// si le dossier est en lecture seule ou en erreur.
-bool EcritEnregistrement(TGestFichier* gest, TFichierBrut* fichier, long no, const void* tampon, size_t taille);
-
-// Un fichier d'enregistrements de `Taille` octets dont l'en-tête porte le compte dans
-// son premier mot. `Type` est le numéro TTypeFichier du fichier.
-template <int Type, size_t Taille>
-class TFicEnregistrements {
+// Ce que tous les fichiers d'enregistrements ont : le contexte, le fichier, le compte.
+class TFicEnregBase {
  public:
-  static constexpr size_t TailleEnreg = Taille;
+  TFicEnregBase(TContexteDossier* gest, int type, size_t taille, bool creation);
+  virtual ~TFicEnregBase() = default;
+  TFicEnregBase(const TFicEnregBase&) = delete;
+  TFicEnregBase& operator=(const TFicEnregBase&) = delete;
 
-  // Ouvre (ou crée) le fichier ; avec `creation` et un fichier ouvert, écrit l'en-tête,
-  // sinon le lit. Un fichier qui ne s'ouvre pas laisse un objet vide (Fichier() nul).
-  TFicEnregistrements(TGestFichier* gest, bool creation);
-  virtual ~TFicEnregistrements() = default;
-  TFicEnregistrements(const TFicEnregistrements&) = delete;
-  TFicEnregistrements& operator=(const TFicEnregistrements&) = delete;
-
-  // Un enregistrement vierge portant le compte dans son premier mot, écrit en -2.
-  void EcritureEntete();
-  // Lit l'enregistrement -2 et en prend le compte, sauf dossier en erreur.
-  void LectureEntete();
-  // Compte + 1, en-tête écrit tout de suite, nouveau compte rendu. Dossier en
-  // lecture seule : le compte monte en mémoire, l'écriture de l'en-tête est perdue.
+  // L'en-tête : par défaut un enregistrement vierge portant le compte dans son premier
+  // mot. Un fichier dont l'en-tête porte davantage (les personnes) les remplace.
+  virtual void EcritureEntete();
+  virtual void LectureEntete();
+  // Compte + 1 en mémoire et nouveau compte rendu ; l'en-tête suit l'enregistrement (voir
+  // plus haut). Dossier en lecture seule : le compte monte en mémoire, rien ne s'écrit.
   long ReturnNewNum();
 
   long NbEnreg() const { return Nombre; }
+  size_t TailleEnregistrement() const { return Taille; }
   TFichierBrut* Fichier() const { return Handle.get(); }
-  TGestFichier* Gest() const { return Gestion; }
+  TContexteDossier* Gest() const { return Gestion; }
   void Flush() {
     if (Handle) Handle->Flush();
   }
 
+  // Lit l'enregistrement `no` dans `tampon` (mis à zéro d'abord) et affecte au dossier le
+  // drapeau d'erreur selon l'issue. Rend true si des octets sont venus.
+  bool LitEnreg(long no, void* tampon);
+  // Écrit l'enregistrement `no`, puis l'en-tête s'il couvre un numéro neuf. Un numéro
+  // au-delà du compte lève ERqBase(texteException) sans rien écrire (sans texte : refusé
+  // sans exception) ; 0 n'écrit rien.
+  // Rend true quand l'enregistrement est sur le disque.
+  bool EcritEnreg(long no, const void* tampon, const char* texteException);
+
  protected:
-  TGestFichier* Gestion;
+  // Ouvre (ou crée) le fichier puis, avec `creation`, écrit l'en-tête, sinon le lit.
+  // Un fichier dont l'en-tête a sa propre forme le fait dans son constructeur (Demarre).
+  void Demarre(bool creation);
+  // Le plus grand compte que le fichier peut tenir d'après sa taille.
+  long CompteMaxSelonTaille() const;
+  // Écrit l'en-tête déjà rempli (Taille octets) ; le compte écrit devient celui du disque.
+  bool EcritEnteteBrut(const void* enreg);
+
+  TContexteDossier* Gestion;
+  int Type;
+  size_t Taille;
   std::unique_ptr<TFichierBrut> Handle;
   long Nombre = 0;
+  long NombreSurDisque = 0;  // le compte que porte l'en-tête écrit
 };
 
-// Ouverture par le dossier ; défini dans gest_fic.cpp.
-std::unique_ptr<TFichierBrut> OuvreFichierDuDossier(TGestFichier* gest, int type, bool creation);
-bool DossierEnErreur(const TGestFichier* gest);
+// Un fichier d'enregistrements de `Taille` octets dont l'en-tête porte le compte dans
+// son premier mot. `Type` est le numéro TTypeFichier du fichier.
+template <TTypeFichier TypeFic, size_t TailleFic>
+class TFicEnregistrements : public TFicEnregBase {
+ public:
+  static constexpr size_t TailleEnreg = TailleFic;
+  // Ouvre (ou crée) le fichier ; avec `creation` et un fichier ouvert, écrit l'en-tête,
+  // sinon le lit. Un fichier qui ne s'ouvre pas laisse un objet vide (Fichier() nul).
+  TFicEnregistrements(TContexteDossier* gest, bool creation) : TFicEnregBase(gest, TypeFic, TailleFic, creation) {
+    Demarre(creation);
+  }
+};
 
-template <int Type, size_t Taille>
-TFicEnregistrements<Type, Taille>::TFicEnregistrements(TGestFichier* gest, bool creation) : Gestion(gest) {
-  Handle = OuvreFichierDuDossier(gest, Type, creation);
-  Nombre = 0;
-  if (creation && Handle)
-    EcritureEntete();
-  else if (Handle)
-    LectureEntete();
-}
-
-template <int Type, size_t Taille>
-void TFicEnregistrements<Type, Taille>::EcritureEntete() {
-  unsigned char enreg[Taille] = {};
-  const int32_t compte = static_cast<int32_t>(Nombre);
-  std::memcpy(enreg, &compte, sizeof compte);
-  EcritEnregistrement(Gestion, Handle.get(), -2, enreg, Taille);
-}
-
-template <int Type, size_t Taille>
-void TFicEnregistrements<Type, Taille>::LectureEntete() {
-  unsigned char enreg[Taille] = {};
-  LitEnregistrement(Gestion, Handle.get(), -2, enreg, Taille);
-  int32_t compte = 0;
-  std::memcpy(&compte, enreg, sizeof compte);
-  Nombre = compte;
-}
-
-template <int Type, size_t Taille>
-long TFicEnregistrements<Type, Taille>::ReturnNewNum() {
-  ++Nombre;
-  EcritureEntete();
-  return Nombre;
-}
+// Lit un enregistrement du disque sans fichier d'enregistrements (en-tête d'un fichier
+// ancien...) : mêmes règles de drapeau que TFicEnregBase::LitEnreg.
+bool LitEnregistrement(TContexteDossier* gest, TFichierBrut* fichier, long no, void* tampon, size_t taille);
+// Écrit un enregistrement : abandon sans bruit en lecture seule ou en erreur ; une
+// écriture incomplète lève le drapeau et l'échec d'écriture. Rend true si tout est écrit.
+bool EcritEnregistrement(TContexteDossier* gest, TFichierBrut* fichier, long no, const void* tampon, size_t taille);
 
 }  // namespace rqbase

@@ -3,7 +3,6 @@
 
 #include <cstring>
 
-#include "rqbase/storage/gest_fic.h"
 #include "rqbase/util/erreur.h"
 
 namespace rqbase {
@@ -28,15 +27,14 @@ void TExtPerson::Lecture(long no) {
     Enreg.Raz();
     return;
   }
-  LitEnregistrement(Fic->Gest(), Fic->Fichier(), Numero, &Enreg, sizeof Enreg);
+  Fic->LitEnreg(Numero, &Enreg);
 }
 
 void TExtPerson::Enregistrement(long no, TFicExtPersons* fic) {
   TFicExtPersons* cible = fic ? fic : Fic;
   if (no != -3) Numero = no;
   if (!cible) return;
-  if (Numero > cible->NbEnreg()) throw ERqBase("FicExtPers : Erreur Enreg");
-  if (Numero != 0) EcritEnregistrement(cible->Gest(), cible->Fichier(), Numero, &Enreg, sizeof Enreg);
+  cible->EcritEnreg(Numero, &Enreg, "FicExtPers : Erreur Enreg");
 }
 
 }  // namespace rqbase

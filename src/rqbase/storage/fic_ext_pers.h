@@ -13,10 +13,7 @@
 
 namespace rqbase {
 
-class TFicExtPersons : public TFicEnregistrements<8, 2904> {
- public:
-  using TFicEnregistrements::TFicEnregistrements;
-};
+class TFicExtPersons;
 
 class TExtPerson {
  public:
@@ -54,6 +51,12 @@ class TExtPerson {
 };
 
 static_assert(sizeof(TExtPerson::TEnreg) == 2904);
+
+class TFicExtPersons : public TFicEnregistrements<tfExp, sizeof(TExtPerson::TEnreg)> {
+ public:
+  using TFicEnregistrements::TFicEnregistrements;
+};
+
 static_assert(offsetof(TExtPerson::TEnreg, Conjoints) == 4);
 static_assert(offsetof(TExtPerson::TEnreg, Enfants) == 1264);
 static_assert(offsetof(TExtPerson::TEnreg, LiensChpsSimple) == 1864);

@@ -1,7 +1,6 @@
 // TFicPersSuppr : la liste dense des personnes supprimées.
 #include "rqbase/storage/fic_pers_suppr.h"
 
-#include "rqbase/storage/gest_fic.h"
 #include "rqbase/util/erreur.h"
 
 namespace rqbase {
@@ -51,7 +50,7 @@ void TPersSuppr::Lecture(long no) {
   if (no != -3) Numero = no;
   NoPers = 0;
   if (Numero == 0 || !Fic) return;
-  if (!LitEnregistrement(Fic->Gest(), Fic->Fichier(), Numero, &NoPers, sizeof NoPers) && Fic->Gest()->EnErreur())
+  if (!Fic->LitEnreg(Numero, &NoPers) && Fic->Gest()->EnErreur())
     Fic->Gest()->FixeGenreErreur(1);
 }
 
@@ -59,8 +58,7 @@ void TPersSuppr::Enregistrement(long no, TFicPersSuppr* fic) {
   TFicPersSuppr* cible = fic ? fic : Fic;
   if (no != -3) Numero = no;
   if (!cible) return;
-  if (Numero > cible->NbEnreg()) throw ERqBase("FicPersSuppr : Erreur Enreg");
-  if (Numero != 0) EcritEnregistrement(cible->Gest(), cible->Fichier(), Numero, &NoPers, sizeof NoPers);
+  cible->EcritEnreg(Numero, &NoPers, "FicPersSuppr : Erreur Enreg");
 }
 
 }  // namespace rqbase

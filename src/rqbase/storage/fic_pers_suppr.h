@@ -12,7 +12,7 @@
 
 namespace rqbase {
 
-class TFicPersSuppr : public TFicEnregistrements<9, 4> {
+class TFicPersSuppr : public TFicEnregistrements<tfPsu, sizeof(int32_t)> {
  public:
   using TFicEnregistrements::TFicEnregistrements;
 

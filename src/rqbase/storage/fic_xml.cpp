@@ -1,26 +1,41 @@
-// TFicXml : le fichier .xin lu et réécrit entier avec pugixml.
+// TFicXml : le fichier .xin lu et réécrit entier avec pugixml, par la couche des fichiers.
 #include "rqbase/storage/fic_xml.h"
 
 #include <pugixml.hpp>
+#include <sstream>
+#include <vector>
 
-#include "rqbase/platform/chemins.h"
 #include "rqbase/platform/cp1252.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/platform/fichier.h"
+#include "rqbase/platform/remplacement.h"
+#include "rqbase/storage/contexte_dossier.h"
 
 namespace rqbase {
 
 namespace {
 constexpr const char* kRacine = "XmlForFiliora";
-}
+// Au-delà, ce n'est pas le petit magasin de clés d'un dossier : on ne le charge pas.
+constexpr int64_t kTailleMax = 1 << 20;
+}  // namespace
 
 struct TFicXml::TDonnees {
   pugi::xml_document Document;
 };
 
-TFicXml::TFicXml(TGestFichier* gest, bool creation)
+TFicXml::TFicXml(TContexteDossier* gest, bool creation)
     : Gest(gest), CheminFichier(gest->FabriqueNomFichier(tfXin)), Donnees(std::make_unique<TDonnees>()) {
-  // Un fichier illisible se lit comme vide : la prochaine écriture le refait.
-  if (!creation) Donnees->Document.load_file(CheminOs(CheminFichier).c_str());
+  // Lu par la couche des fichiers : un lien symbolique ou un tube n'est pas lu. Un fichier
+  // illisible se lit comme vide ; la prochaine écriture le remplace (voir EcritureValeur).
+  if (!creation) {
+    if (auto f = TFichierBrut::Ouvre(CheminFichier, TFichierBrut::TAcces::Lecture, TFichierBrut::TDisposition::Ouvre)) {
+      const int64_t taille = f->Taille();
+      if (taille > 0 && taille <= kTailleMax) {
+        std::vector<char> octets(static_cast<size_t>(taille));
+        if (f->LitA(0, octets.data(), octets.size()) == taille)
+          Donnees->Document.load_buffer(octets.data(), octets.size());
+      }
+    }
+  }
   if (!Donnees->Document.child(kRacine)) {
     Donnees->Document.reset();
     Donnees->Document.append_child(kRacine);
@@ -43,8 +58,13 @@ bool TFicXml::EcritureValeur(const std::string& section, const std::string& cle,
   pugi::xml_node noeudCle = noeudSection.child(c.c_str());
   if (!noeudCle) noeudCle = noeudSection.append_child(c.c_str());
   noeudCle.text().set(VersUtf8(valeur).c_str());
-  if (Gest->IsReadOnly()) return false;
-  return Donnees->Document.save_file(CheminOs(CheminFichier).c_str(), "  ", pugi::format_default, pugi::encoding_utf8);
+  if (!Gest->PeutEcrire()) return false;
+  std::ostringstream flux;
+  Donnees->Document.save(flux, "  ", pugi::format_default, pugi::encoding_utf8);
+  // Le fichier entier est remplacé d'un coup : une panne laisse l'ancien ou le nouveau.
+  if (RemplaceFichier(CheminFichier, flux.str())) return true;
+  Gest->SignaleEcritureRatee();
+  return false;
 }
 
 }  // namespace rqbase

@@ -10,11 +10,11 @@
 
 namespace rqbase {
 
-class TGestFichier;
+class TContexteDossier;
 
 class TFicXml {
  public:
-  TFicXml(TGestFichier* gest, bool creation);
+  TFicXml(TContexteDossier* gest, bool creation);
   ~TFicXml();
 
   // "" quand la section ou la clé manque.
@@ -26,7 +26,7 @@ class TFicXml {
 
  private:
   struct TDonnees;
-  TGestFichier* Gest;
+  TContexteDossier* Gest;
   std::string CheminFichier;
   std::unique_ptr<TDonnees> Donnees;
 };

@@ -1,13 +1,12 @@
 // TFicPersons : l'en-tête du fichier des personnes, sa réparation, et les accès bruts.
 #include "rqbase/storage/gest_fic_pers.h"
 
-#include <sys/stat.h>
-
+#include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 
-#include "rqbase/platform/chemins.h"
-#include "rqbase/storage/gest_fic.h"
+#include "rqbase/platform/attributs.h"
 #include "rqbase/util/chaines.h"
 #include "rqbase/util/date_heure.h"
 
@@ -21,9 +20,8 @@ void MenageDsChnVide(char* champ, size_t taille) {
   std::memset(champ + longueur, 0, taille - longueur);
 }
 
-TFicPersons::TFicPersons(TGestFichier* gest, bool creation) : Gestion(gest) {
-  Handle = gest->OuvertureFichier(gest->FabriqueNomFichier(tfPersons), creation);
-  Nombre = 0;
+TFicPersons::TFicPersons(TContexteDossier* gest, bool creation) : TFicEnregBase(gest, tfPersons, sizeof(TEnregPersonne), creation) {
+  Nombre = NombreSurDisque = 0;
   if (creation && Handle) {
     NoDeCujus = -1;
     Signet1 = -1;
@@ -56,12 +54,12 @@ void TFicPersons::EcritureEntete() {
   std::strncpy(e.Prenoms, texte.c_str(), sizeof e.Prenoms - 1);
   e.Note = static_cast<int32_t>(Gestion->CopieImages);
   e.Reserve3 = static_cast<int32_t>(Gestion->Entier2);
-  EcritEnregistrement(Gestion, Handle.get(), -2, &e, sizeof e);
+  EcritEnteteBrut(&e);
 }
 
 void TFicPersons::LectureEntete() {
   TEnregPersonne e;
-  LitEnregistrement(Gestion, Handle.get(), -2, &e, sizeof e);
+  TFicEnregBase::LitEnreg(-2, &e);
   MenageDsChnVide(e.Nom, sizeof e.Nom);
   MenageDsChnVide(e.Prenoms, sizeof e.Prenoms);
   Nombre = e.Pere.No;
@@ -88,7 +86,7 @@ void TFicPersons::LectureEntete() {
     if (sansDollar) Gestion->DateCreation = Gestion->DateModification = Maintenant();
     if (Nombre < 1) {
       const int64_t taille = Handle ? Handle->Taille() : -1;
-      Nombre = taille < 0 ? -1 : static_cast<long>(taille / 644 - 1);
+      Nombre = taille < 0 ? -1 : static_cast<long>(std::min<int64_t>(taille / 644 - 1, INT32_MAX));
       if (Nombre < 1) {
         Gestion->FixeErreur(true);
         return;
@@ -97,14 +95,13 @@ void TFicPersons::LectureEntete() {
       if (Signet1 < 1 || Signet1 > Nombre) Signet1 = NoDeCujus;
       if (Signet2 < 1 || Signet2 > Nombre) Signet2 = NoDeCujus;
     }
+    NombreSurDisque = Nombre;
     EcritureEntete();
   }
-}
-
-long TFicPersons::ReturnNewNum() {
-  ++Nombre;
-  EcritureEntete();
-  return Nombre;
+  // Un en-tête qui annonce plus de personnes que le fichier n'en tient (abîmé, ou forgé) :
+  // on lit aussi loin que le fichier va, sans jamais réécrire au-delà.
+  Nombre = std::min(Nombre, std::max(CompteMaxSelonTaille(), 1L));
+  NombreSurDisque = Nombre;
 }
 
 uint32_t TFicPersons::GetHashCode(const std::u16string& s) {
@@ -118,9 +115,7 @@ bool TFicPersons::GetFileDateAndTime(double& dateHeure) {
   const std::string chemin = Gestion->FabriqueNomFichier(tfPersons);
   const bool immediate = Handle ? Handle->EcritureImmediate() : true;
   Handle.reset();
-  struct stat st {};
-  const bool ok = ::stat(CheminOs(chemin).c_str(), &st) == 0;
-  if (ok) dateHeure = 25569.0 + static_cast<double>(st.st_mtim.tv_sec) / 86400.0;
+  const bool ok = DateModificationFichier(chemin, dateHeure);
   Handle = Gestion->OuvertureFichier(chemin, false);
   if (Handle && !immediate) Handle->ChangeEcritureImmediate(false);
   return ok;
@@ -128,14 +123,6 @@ bool TFicPersons::GetFileDateAndTime(double& dateHeure) {
 
 void TFicPersons::VideBufferPerson() {
   if (CacheP) CacheP->RazBuffers();
-}
-
-bool TFicPersons::LitEnreg(long no, TEnregPersonne& enreg) {
-  return LitEnregistrement(Gestion, Handle.get(), no, &enreg, sizeof enreg);
-}
-
-bool TFicPersons::EcritEnreg(long no, const TEnregPersonne& enreg) {
-  return EcritEnregistrement(Gestion, Handle.get(), no, &enreg, sizeof enreg);
 }
 
 }  // namespace rqbase

@@ -110,32 +110,37 @@ void MenageDsChnVide(char* champ, size_t taille);
 // Le numéro de Sosa du de cujus : un entier du processus, lu et écrit par l'en-tête.
 extern int asNoStradoCujus;
 
-// L'interface du cache des personnes vue du fichier ; TBufferisationArbChrono
-// (couche personne) la réalise.
+class TPerson;
+
+// L'interface du cache des personnes vue du fichier ; TBufferisationArbChrono (couche
+// personne) la réalise, et TPerson s'en sert sans connaître la classe qui la réalise.
 class TCachePersonnes {
  public:
   virtual ~TCachePersonnes() = default;
   virtual void RazBuffers() = 0;
   virtual void Delete(long no) = 0;
+  // La personne en cache, ou lue et ajoutée (voir TBufferisationArbChrono::GetPerson).
+  virtual TPerson* GetPerson(long no, bool complement) = 0;
+  // Recopie `personne` sur son double en cache ; nul si absente ou si le drapeau l'interdit.
+  virtual TPerson* Update(const TPerson& personne, bool forcer) = 0;
 };
 
-class TFicPersons {
+class TFicPersons : public TFicEnregBase {
  public:
   static constexpr int CapaciteCache = 10000;
 
   // Avec `creation` : de cujus et premier signet à -1, dates au présent, en-tête écrit.
   // Fichier introuvable : drapeau d'erreur du dossier levé. Sinon LectureEntete.
-  TFicPersons(TGestFichier* gest, bool creation);
-  ~TFicPersons();
-  TFicPersons(const TFicPersons&) = delete;
-  TFicPersons& operator=(const TFicPersons&) = delete;
+  TFicPersons(TContexteDossier* gest, bool creation);
+  ~TFicPersons() override;
 
   // L'en-tête : compte, de cujus, signets, titre et texte des dates du dossier.
-  void EcritureEntete();
+  void EcritureEntete() override;
   // Lit l'en-tête et le répare au besoin (sans '$' : dates neuves ; compte < 1 : compte
-  // tiré de la taille du fichier, de cujus et signets ramenés dans les bornes).
-  void LectureEntete();
-  long ReturnNewNum();
+  // tiré de la taille du fichier, de cujus et signets ramenés dans les bornes). Un compte
+  // plus grand que ce que le fichier tient est ramené à ce qu'il tient (au moins 1 : un
+  // dossier neuf donne le numéro 1 avant d'écrire aucune personne).
+  void LectureEntete() override;
 
   // Le compte des numéros donnés, personnes supprimées comprises.
   long NbPersEffective() const { return Nombre; }
@@ -156,13 +161,11 @@ class TFicPersons {
   void VideBufferPerson();
 
   // Accès brut à un enregistrement (lecture directe, sans jugement ni cache).
-  bool LitEnreg(long no, TEnregPersonne& enreg);
-  bool EcritEnreg(long no, const TEnregPersonne& enreg);
-
-  TFichierBrut* Fichier() const { return Handle.get(); }
-  TGestFichier* Gest() const { return Gestion; }
-  void Flush() {
-    if (Handle) Handle->Flush();
+  bool LitEnreg(long no, TEnregPersonne& enreg) { return TFicEnregBase::LitEnreg(no, &enreg); }
+  // Écrit l'enregistrement puis, pour un numéro neuf, l'en-tête ; true quand il est sur le
+  // disque. Un numéro au-delà du compte est refusé.
+  bool EcritEnreg(long no, const TEnregPersonne& enreg) {
+    return TFicEnregBase::EcritEnreg(no, &enreg, nullptr);
   }
 
   long NoDeCujus = -1;
@@ -170,9 +173,6 @@ class TFicPersons {
   long Signet2 = -1;
 
  private:
-  TGestFichier* Gestion;
-  std::unique_ptr<TFichierBrut> Handle;
-  long Nombre = 0;
   std::unique_ptr<TCachePersonnes> CacheP;
 };
 
