@@ -34,6 +34,10 @@ bool RemplaceFichier(const std::string& chemin, const std::string& octets) {
     auto f = TFichierBrut::Ouvre(chemin, TFichierBrut::TAcces::LectureEcriture, TFichierBrut::TDisposition::CreeOuRemplace);
     return f && f->EcritTout(0, octets.data(), octets.size());
   }
+  // Ce qui est à la place du fichier et n'est pas un fichier ordinaire (un lien, un tube)
+  // n'est pas à nous : on ne le remplace pas.
+  struct stat st {};
+  if (::lstat(CheminOs(chemin).c_str(), &st) == 0 && !S_ISREG(st.st_mode)) return false;
   const std::string temporaire = chemin + ".tmp" + std::to_string(::getpid());
   {
     auto f = TFichierBrut::Ouvre(temporaire, TFichierBrut::TAcces::LectureEcriture,

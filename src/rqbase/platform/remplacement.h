@@ -2,15 +2,16 @@
 //
 // RemplaceFichier écrit le nouveau contenu à côté, le force sur le disque, puis le met à la
 // place de l'ancien par un renommage : une panne laisse l'ancien fichier ou le nouveau,
-// jamais un mélange, et un lien symbolique à la place du fichier est remplacé, pas suivi.
+// jamais un mélange ; ce qui n'est pas un fichier ordinaire (lien symbolique, tube) à la
+// place du fichier n'est ni suivi ni remplacé : l'écriture est refusée.
 // RenommeSansEcraser refuse quand la cible existe. NomLibre trouve le nom d'une mise de côté.
 #pragma once
 #include <string>
 
 namespace rqbase {
 
-// Écrit `octets` dans `chemin` (remplacé entier) ; false si quoi que ce soit a échoué, et
-// l'ancien contenu reste alors en place.
+// Écrit `octets` dans `chemin` (remplacé entier) ; false si quoi que ce soit a échoué, ou
+// si `chemin` n'est pas un fichier ordinaire, et l'ancien contenu reste alors en place.
 bool RemplaceFichier(const std::string& chemin, const std::string& octets);
 // Renomme `ancien` en `nouveau` si `nouveau` n'existe pas ; false sinon (errno du système
 // dans `erreur` s'il est donné).

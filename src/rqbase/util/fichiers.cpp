@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "rqbase/platform/chemins.h"
+#include "rqbase/platform/remplacement.h"
 
 namespace rqbase {
 namespace fs = std::filesystem;
@@ -45,10 +46,12 @@ bool CopyDirectory(const std::string& source, const std::string& cible, const st
   for (auto it = fs::recursive_directory_iterator(depart, ec); !ec && it != fs::recursive_directory_iterator();
        it.increment(ec)) {
     const fs::path destination = arrivee / fs::relative(it->path(), depart, ec);
+    // Un lien symbolique ne se suit pas : il pourrait mener hors du dossier copié.
+    if (it->is_symlink(ec)) continue;
     if (it->is_directory(ec))
       fs::create_directories(destination, ec);
-    else
-      fs::copy_file(it->path(), destination, fs::copy_options::overwrite_existing, ec);
+    else if (it->is_regular_file(ec) && !CopieFichier(CheminInterne(it->path()), CheminInterne(destination)))
+      return false;
     if (ec) return false;
     if (parElement && !parElement()) return false;
   }

@@ -15,7 +15,8 @@ std::string AjouteSlashSiNecessaire(const std::string& chemin);
 std::string SupprimeSlashSiNecessaire(const std::string& chemin);
 // Supprime un dossier et tout son contenu ; false si quelque chose est resté.
 bool DeleteDirectoryRecursif(const std::string& dossier);
-// Copie un dossier et son contenu dans `cible` (créée). `parElement`, s'il est
+// Copie un dossier et son contenu dans `cible` (créée), sans suivre les liens symboliques
+// (laissés de côté). `parElement`, s'il est
 // donné, est appelé après chaque fichier ou dossier copié et peut rendre false
 // pour arrêter la copie.
 bool CopyDirectory(const std::string& source, const std::string& cible,
