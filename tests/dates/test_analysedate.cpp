@@ -52,6 +52,17 @@ TEST(AnalyseDate, FormesGregoriennes) {
       {"1850/1860", 'G', true, -1, "1850/1860"},
       {"..../1860", 'G', true, -1, "..../1860"},
       {"1121969", 'G', true, -1, "01/12/1969"},  // forme compacte recoupée
+      {"91125", 'G', true, -1, "09/01/0125"},    // recoupée : "9112" n'est pas une année
+      // Cinq caractères qui commencent par une année : pas de recoupage en jour et
+      // mois, le refus de la forme compacte (mois 50, 34) reste.
+      {"1850?", 'G', true, 8, nullptr},
+      {"18505", 'G', true, 8, nullptr},
+      {"12345", 'G', true, 8, nullptr},
+      {"1850?", 'G', false, 8, nullptr},
+      // Une année recoupée qui n'est ni toute en chiffres ni toute en points : code 7.
+      {"9112?", 'G', true, 7, nullptr},
+      {"9121?5", 'G', true, 7, nullptr},
+      {"9112?", 'A', true, 7, nullptr},
       {"32/01/1900", 'G', true, 9, nullptr},
       {"31/13/1900", 'G', true, 8, nullptr},
       {"01/01/12345", 'G', true, 4, nullptr},
@@ -118,6 +129,7 @@ TEST(AnalyseDate, RepublicainEtHebreu) {
       {"30/07/5784", 'H', true, 9, nullptr},
       {"01/14/5784", 'H', true, 8, nullptr},
       {"01/01/3760", 'H', true, 7, nullptr},
+      {"991205", 'R', true, 7, nullptr},  // jour 99 : recoupée en "9/9/1205", année trop longue
       {"15/03/0050", 'A', true, -1, "15/03/0050"},
   };
   for (const auto& c : cas) {
@@ -126,6 +138,42 @@ TEST(AnalyseDate, RepublicainEtHebreu) {
     EXPECT_EQ(AnalyseDate(date, c.calendrier, c.souple), c.code);
     if (c.code == -1) {
       EXPECT_EQ(date, c.attendu);
+    }
+  }
+}
+
+// Un mois en lettres : égalité d'abord, puis début de nom, sans casse ni accents,
+// sur les deux formes courtes et les deux noms ; le premier mois qui convient l'emporte.
+TEST(AnalyseDate, MoisEnLettres) {
+  struct {
+    char calendrier;
+    const char* tape;
+    const char* attendu;  // nullptr : mois inconnu, code 2
+  } lignes[] = {
+      {'G', "j", "01/01/1850"},        {'G', "JANVIER", "01/01/1850"}, {'G', "ju", "01/06/1850"},
+      {'G', "jui", "01/06/1850"},      {'G', "juil", "01/07/1850"},    {'G', "jun", "01/06/1850"},
+      {'G', "a", "01/04/1850"},        {'G', "ao", "01/08/1850"},      {'G', "août", "01/08/1850"},
+      {'G', "AOÛT", "01/08/1850"},     {'G', "m", "01/03/1850"},       {'G', "mai", "01/05/1850"},
+      {'G', "mar", "01/03/1850"},      {'G', "févr.", "01/02/1850"},   {'G', "s", "01/09/1850"},
+      {'G', "7bre", "01/09/1850"},     {'G', "8b", "01/10/1850"},      {'G', "x", "01/12/1850"},
+      {'G', "déc", "01/12/1850"},      {'G', "janvierr", nullptr},     {'G', "jx", nullptr},
+      {'G', "bre", nullptr},           {'R', "v", "01/VEND/03"},       {'R', "ven", "01/VEND/03"},
+      {'R', "vent", "01/VENT/03"},     {'R', "ventôse", "01/VENT/03"}, {'R', "f", "01/FRIM/03"},
+      {'R', "fru", "01/FRUC/03"},      {'R', "c", "01/COMP/03"},       {'R', "complémentaires", "01/COMP/03"},
+      {'R', "nivose", "01/NIVO/03"},   {'R', "messidorr", nullptr},    {'H', "t", "01/01/5784"},
+      {'H', "te", "01/04/5784"},       {'H', "a", "01/06/5784"},       {'H', "adii", "01/07/5784"},
+      {'H', "ad2", "01/07/5784"},      {'H', "av", "01/12/5784"},      {'H', "e", "01/13/5784"},
+      {'H', "x", nullptr},
+  };
+  for (const auto& l : lignes) {
+    std::string date = std::string("1 ") + l.tape + (l.calendrier == 'R' ? " 3" : l.calendrier == 'H' ? " 5784" : " 1850");
+    SCOPED_TRACE(date);
+    const int code = AnalyseDate(date, l.calendrier, true);
+    if (l.attendu) {
+      EXPECT_EQ(code, -1);
+      EXPECT_EQ(date, l.attendu);
+    } else {
+      EXPECT_EQ(code, 2);
     }
   }
 }

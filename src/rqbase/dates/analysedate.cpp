@@ -16,10 +16,6 @@ namespace {
 
 bool EstSeparateur(char c) { return c != 0 && std::strchr(" -|_,;.:/*+", c) != nullptr; }
 
-bool QueDesPoints(std::string_view s) {
-  return !s.empty() && std::all_of(s.begin(), s.end(), [](char c) { return c == '.'; });
-}
-
 bool QueDesChiffres(std::string_view s) { return !s.empty() && std::all_of(s.begin(), s.end(), IsChiffre); }
 
 bool ChiffresOuPoints(std::string_view s) {
@@ -143,139 +139,143 @@ int CompleteSiecle(int deuxChiffres) {
   return annee;
 }
 
-int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois);
+constexpr int kAcceptee = -1;
 
-// Une forme compacte refusée est recoupée une fois : jour d'un chiffre, mois de
-// deux chiffres (sept caractères) ou d'un seul, l'année ensuite.
-int Recoupe(std::string& date, const std::string& compacte, char calendrier, bool souple) {
-  const std::size_t largeurMois = compacte.size() == 7 ? 2 : 1;
-  std::string essai = compacte.substr(0, 1) + "/" + compacte.substr(1, largeurMois) + "/" + compacte.substr(1 + largeurMois);
-  if (Analyse(essai, calendrier, souple, false) != -1) return 7;
-  date = essai;
-  return -1;
+std::string DateInconnue(bool republicain) { return republicain ? "../..../.." : "../../...."; }
+
+// L'année dans les bornes de son calendrier.
+bool AnneeDuCalendrierOk(int annee, char calendrier) {
+  if (calendrier == 'R') return AnneeRepublicaineOk(annee);
+  if (calendrier == 'H') return AnneeHebOk(annee);
+  return AnneeOk(annee);
 }
 
-int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois) {
-  const bool republicain = calendrier == 'R';
-  const std::string texte = Trim(date);
-  if (texte.empty()) {
-    date = republicain ? "../..../.." : "../../....";
-    return -1;
-  }
-
-  // Fourchette d'années de même largeur : gardée telle quelle, chaque côté vérifié.
-  if (DateFormatFourchette(texte)) {
-    const std::size_t largeur = texte.size() == 9 ? 4 : 2;
-    std::string a = texte.substr(0, largeur), b = texte.substr(largeur + 1);
-    InconnuEnPoints(a);
-    InconnuEnPoints(b);
-    if ((largeur == 2) == republicain && ChiffresOuPoints(a) && ChiffresOuPoints(b)) {
-      for (const std::string& cote : {a, b}) {
-        if (!QueDesChiffres(cote)) continue;
-        const int v = ToIntInString(cote);
-        const bool ok = republicain ? AnneeRepublicaineOk(v) : calendrier == 'H' ? AnneeHebOk(v) : AnneeOk(v);
-        if (!ok) return 7;
-      }
-      date = a + "/" + b;
-      return -1;
-    }
-  }
-
-  const std::vector<std::string> parties = Decoupe(texte);
-  if (parties.empty()) {
-    date = republicain ? "../..../.." : "../../....";
-    return -1;
-  }
+// Les parties d'une date tapée, dans l'ordre du texte normalisé.
+struct TParties {
   std::string jour, mois, annee;
-  bool compacte = false;
-  const std::string& premiere = parties[0];
-  if (parties.size() == 1 && IsChiffre(premiere[0])) {
-    const std::size_t n = premiere.size();
-    if (!republicain && n >= 5 && n <= 8) {
-      jour = premiere.substr(0, 2);
-      mois = premiere.substr(2, 2);
-      annee = premiere.substr(4);
-      compacte = true;
-    } else if (republicain && n == 6) {
-      jour = premiere.substr(0, 2);
-      mois = premiere.substr(2, 2);
-      annee = premiere.substr(4, 2);
-      compacte = true;
+  bool compacte = false;  // lues d'un seul bloc de chiffres ("27101969")
+};
+
+// Fourchette d'années de même largeur (4, ou 2 en républicain) : gardée telle
+// quelle, chaque côté connu vérifié comme une année. Faux quand le texte n'en est
+// pas une et que l'analyse continue ; sinon `code` dit si elle est acceptée.
+bool AnalyseFourchette(const std::string& texte, char calendrier, std::string& date, int& code) {
+  if (!DateFormatFourchette(texte)) return false;
+  const bool republicain = calendrier == 'R';
+  const std::size_t largeur = texte.size() == 9 ? 4 : 2;
+  std::string a = texte.substr(0, largeur), b = texte.substr(largeur + 1);
+  InconnuEnPoints(a);
+  InconnuEnPoints(b);
+  if ((largeur == 2) != republicain || !ChiffresOuPoints(a) || !ChiffresOuPoints(b)) return false;
+  for (const std::string& cote : {a, b}) {
+    if (QueDesChiffres(cote) && !AnneeDuCalendrierOk(ToIntInString(cote), calendrier)) {
+      code = 7;
+      return true;
     }
   }
-  if (!compacte) {
-    if (parties.size() == 3) {
-      jour = parties[0];
-      mois = parties[1];
-      annee = parties[2];
-    } else {
-      annee = parties.back();
-      if (parties.size() == 2) mois = parties[0];
-      if (souple && !LitCommeAnnee(annee)) {
-        // "15 oct" : jour et mois, sans année.
-        jour = mois;
-        mois = annee;
-        annee.clear();
-        // "1872 fev" : la partie prise pour le jour est une année.
-        if (jour.size() >= 3 && QueDesChiffres(jour)) {
-          annee = jour;
-          jour.clear();
-        }
-      }
+  date = a + "/" + b;
+  code = kAcceptee;
+  return true;
+}
+
+// Un seul bloc qui commence par un chiffre, de 5 à 8 caractères (6 en républicain) :
+// jour et mois sur deux caractères chacun, l'année ensuite.
+bool LitCompacte(const std::string& bloc, bool republicain, TParties& p) {
+  const std::size_t n = bloc.size();
+  if (!IsChiffre(bloc[0]) || (republicain ? n != 6 : (n < 5 || n > 8))) return false;
+  p.jour = bloc.substr(0, 2);
+  p.mois = bloc.substr(2, 2);
+  p.annee = bloc.substr(4);
+  p.compacte = true;
+  return true;
+}
+
+// Jour, mois et année selon le nombre de parties. Avec moins de trois parties la
+// dernière est l'année et celle d'avant le mois ; `souple` déplace les parties
+// quand l'année ne se lit pas comme telle.
+TParties Repartit(const std::vector<std::string>& parties, bool republicain, bool souple) {
+  TParties p;
+  if (parties.size() == 1 && LitCompacte(parties[0], republicain, p)) return p;
+  if (parties.size() == 3) {
+    p.jour = parties[0];
+    p.mois = parties[1];
+    p.annee = parties[2];
+    return p;
+  }
+  p.annee = parties.back();
+  if (parties.size() == 2) p.mois = parties[0];
+  if (souple && !LitCommeAnnee(p.annee)) {
+    // "15 oct" : jour et mois, sans année.
+    p.jour = p.mois;
+    p.mois = p.annee;
+    p.annee.clear();
+    // "1872 fev" : la partie prise pour le jour est une année.
+    if (p.jour.size() >= 3 && QueDesChiffres(p.jour)) {
+      p.annee = p.jour;
+      p.jour.clear();
     }
   }
+  return p;
+}
 
-  auto refuse = [&](int code) {
-    if (compacte && premiereFois) return Recoupe(date, premiere, calendrier, souple);
-    return code;
-  };
-
-  // Jour.
+// Le jour sur deux caractères, chiffres ou points.
+int NormaliseJour(std::string& jour) {
   InconnuEnPoints(jour);
   // Un jour de trois caractères ou plus est refusé, points compris ("???" aussi).
   if (jour.empty() || jour == ".") jour = "..";
-  if (jour.size() > 2) return refuse(0);
-  if (!ChiffresOuPoints(jour)) return refuse(1);
+  if (jour.size() > 2) return 0;
+  if (!ChiffresOuPoints(jour)) return 1;
   if (jour.size() == 1) jour = "0" + jour;
+  return kAcceptee;
+}
 
-  // Mois.
+// Le mois en chiffres ("02"), ou son code en républicain ("VENT") ; en lettres, par
+// son nom ou un début de nom.
+int NormaliseMois(std::string& mois, char calendrier) {
+  const bool republicain = calendrier == 'R';
   InconnuEnPoints(mois);
-  const std::string moisPoints = republicain ? "...." : "..";
   if (mois.empty() || QueDesPoints(mois)) {
-    mois = moisPoints;
-  } else if (!ChiffresOuPoints(mois)) {
-    const int no = ChercheMoisEnLettres(mois, calendrier);
-    if (no == 0) return refuse(2);
-    if (republicain) {
-      std::string code, nom;
-      int no2;
-      RetourneMoisRepublicain2(no, code, nom, no2);
-      mois = code;
-    } else {
-      mois = Zeros(no, 2);
-    }
+    mois = republicain ? "...." : "..";
+    return kAcceptee;
+  }
+  int numero = 0;
+  if (!ChiffresOuPoints(mois)) {
+    numero = ChercheMoisEnLettres(mois, calendrier);
+    if (numero == 0) return 2;
   } else if (mois.size() > 2) {
     // Chiffres et points sur plus de deux caractères : aucun mois ne s'écrit ainsi.
-    return refuse(republicain ? 2 : 8);
+    return republicain ? 2 : 8;
   } else if (republicain) {
-    if (!QueDesChiffres(mois)) return refuse(2);
-    std::string code, nom;
-    int no2;
-    if (RetourneMoisRepublicain2(ToIntInString(mois), code, nom, no2) == 0) return refuse(2);
-    mois = code;
-  } else if (mois.size() == 1) {
-    mois = "0" + mois;
+    if (!QueDesChiffres(mois)) return 2;
+    numero = ToIntInString(mois);
+  } else {
+    if (mois.size() == 1) mois = "0" + mois;
+    return kAcceptee;
   }
+  if (!republicain) {
+    mois = Zeros(numero, 2);
+    return kAcceptee;
+  }
+  std::string code, nom;
+  int no2;
+  if (RetourneMoisRepublicain2(numero, code, nom, no2) == 0) return 2;
+  mois = code;
+  return kAcceptee;
+}
 
-  // Année.
+// L'année sur 4 caractères (2 en républicain), complétée selon sa longueur :
+// 1 chiffre pour sa valeur, 2 chiffres par le siècle, 3 chiffres d'un zéro ; une
+// année en partie connue est complétée de points en tête.
+int NormaliseAnnee(std::string& annee, char calendrier) {
+  const bool republicain = calendrier == 'R';
   InconnuEnPoints(annee);
-  const std::size_t largeurAnnee = republicain ? 2 : 4;
-  if (annee.empty()) annee = std::string(largeurAnnee, '.');
+  const std::size_t largeur = republicain ? 2 : 4;
+  if (annee.empty()) annee = std::string(largeur, '.');
   if (!std::all_of(annee.begin(), annee.end(), [](char c) { return IsChiffre(c) || c == '.' || c == '-'; }))
-    return refuse(3);
+    return 3;
   // Trop long, même tout en points ("?????") : refusé.
-  if (annee.size() > largeurAnnee) return refuse(4);
-  if (QueDesPoints(annee)) annee = std::string(largeurAnnee, '.');
+  if (annee.size() > largeur) return 4;
+  if (QueDesPoints(annee)) annee = std::string(largeur, '.');
   if (QueDesChiffres(annee)) {
     const int v = ToIntInString(annee);
     if (republicain)
@@ -286,31 +286,77 @@ int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois) 
       annee = Zeros(CompleteSiecle(v), 4);
     else if (annee.size() == 3)
       annee = "0" + annee;
-    const int valeur = ToIntInString(annee);
-    const bool ok = republicain ? AnneeRepublicaineOk(valeur) : calendrier == 'H' ? AnneeHebOk(valeur) : AnneeOk(valeur);
-    if (!ok) return refuse(7);
-  } else if (annee.size() < largeurAnnee) {
+    if (!AnneeDuCalendrierOk(ToIntInString(annee), calendrier)) return 7;
+  } else if (annee.size() < largeur) {
     // Année partiellement connue et courte : les chiffres manquants sont en tête, inconnus.
-    annee = std::string(largeurAnnee - annee.size(), '.') + annee;
+    annee = std::string(largeur - annee.size(), '.') + annee;
   }
+  return kAcceptee;
+}
 
-  // Bornes du mois et du jour ; "00" vaut inconnu.
-  const int valeurAnnee = ToIntInString(annee);
-  const int valeurJour = QueDesChiffres(jour) ? ToIntInString(jour) : 0;
-  if (republicain) {
-    if (valeurJour != 0 && !JourRepublicainOk(valeurJour, mois, valeurAnnee)) return refuse(9);
-  } else {
-    const int valeurMois = QueDesChiffres(mois) ? ToIntInString(mois) : 0;
-    if (valeurMois != 0 && !(calendrier == 'H' ? MoisHebOk(valeurMois) : MoisOk(valeurMois))) return refuse(8);
-    if (valeurJour != 0) {
-      const bool ok = calendrier == 'H' ? JourHebOk(valeurJour, valeurMois ? valeurMois : 1)
-                                        : JourOk(valeurJour, valeurMois ? valeurMois : 1, valeurAnnee);
-      if (!ok) return refuse(9);
-    }
+// Bornes du mois et du jour, selon le calendrier ; "00" vaut inconnu.
+int VerifieBornes(const TParties& p, char calendrier) {
+  const int annee = ToIntInString(p.annee);
+  const int jour = QueDesChiffres(p.jour) ? ToIntInString(p.jour) : 0;
+  if (calendrier == 'R') return (jour != 0 && !JourRepublicainOk(jour, p.mois, annee)) ? 9 : kAcceptee;
+  const bool hebreu = calendrier == 'H';
+  const int mois = QueDesChiffres(p.mois) ? ToIntInString(p.mois) : 0;
+  if (mois != 0 && !(hebreu ? MoisHebOk(mois) : MoisOk(mois))) return 8;
+  if (jour != 0 && !(hebreu ? JourHebOk(jour, mois ? mois : 1) : JourOk(jour, mois ? mois : 1, annee))) return 9;
+  return kAcceptee;
+}
+
+// Les parties normalisées et vérifiées dans l'ordre jour, mois, année, bornes :
+// le premier refus donne son code.
+int NormaliseParties(TParties& p, char calendrier) {
+  if (const int code = NormaliseJour(p.jour); code != kAcceptee) return code;
+  if (const int code = NormaliseMois(p.mois, calendrier); code != kAcceptee) return code;
+  if (const int code = NormaliseAnnee(p.annee, calendrier); code != kAcceptee) return code;
+  return VerifieBornes(p, calendrier);
+}
+
+int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois);
+
+// Un bloc de cinq caractères dont les quatre premiers sont une année ("18505",
+// "1850?") est une année suivie d'autre chose : le recouper en jour et mois
+// inventerait une date (01/08/0505).
+bool SeRecoupe(const std::string& compacte, char calendrier) {
+  if (compacte.size() != 5) return true;
+  const std::string tete = compacte.substr(0, 4);
+  return !(QueDesChiffres(tete) && AnneeDuCalendrierOk(ToIntInString(tete), calendrier));
+}
+
+// Une forme compacte refusée est recoupée une fois : jour d'un chiffre, mois de
+// deux chiffres (sept caractères) ou d'un seul, l'année ensuite. L'année recoupée
+// doit être toute connue ou toute inconnue ("50?" n'en est pas une) ; tout échec
+// du recoupage donne le code 7.
+int Recoupe(std::string& date, const std::string& compacte, char calendrier, bool souple) {
+  const std::size_t largeurMois = compacte.size() == 7 ? 2 : 1;
+  std::string annee = compacte.substr(1 + largeurMois);
+  InconnuEnPoints(annee);
+  if (!QueDesChiffres(annee) && !QueDesPoints(annee)) return 7;
+  std::string essai = compacte.substr(0, 1) + "/" + compacte.substr(1, largeurMois) + "/" + compacte.substr(1 + largeurMois);
+  if (Analyse(essai, calendrier, souple, false) != kAcceptee) return 7;
+  date = essai;
+  return kAcceptee;
+}
+
+int Analyse(std::string& date, char calendrier, bool souple, bool premiereFois) {
+  const std::string texte = Trim(date);
+  if (int code; AnalyseFourchette(texte, calendrier, date, code)) return code;
+  const std::vector<std::string> decoupe = Decoupe(texte);
+  if (decoupe.empty()) {
+    date = DateInconnue(calendrier == 'R');
+    return kAcceptee;
   }
-
-  date = jour + "/" + mois + "/" + annee;
-  return -1;
+  TParties p = Repartit(decoupe, calendrier == 'R', souple);
+  if (const int code = NormaliseParties(p, calendrier); code != kAcceptee) {
+    if (p.compacte && premiereFois && SeRecoupe(decoupe[0], calendrier))
+      return Recoupe(date, decoupe[0], calendrier, souple);
+    return code;
+  }
+  date = p.jour + "/" + p.mois + "/" + p.annee;
+  return kAcceptee;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdio>
 
+#include "rqbase/dates/conversions.h"
 #include "rqbase/platform/cp1252.h"
 
 namespace rqbase::dates_interne {
@@ -61,6 +62,20 @@ std::string Zeros(int valeur, int largeur) {
   char tampon[32];
   std::snprintf(tampon, sizeof tampon, "%0*d", largeur, valeur);
   return tampon;
+}
+
+bool QueDesPoints(std::string_view texte) {
+  return !texte.empty() && std::all_of(texte.begin(), texte.end(), [](char c) { return c == '.'; });
+}
+
+std::string FourchetteRepublicaineEnGregorien(std::string_view date) {
+  const std::size_t largeur = date.size() == 9 ? 4 : 2;
+  auto borne = [](const std::string& s) {
+    const int v = ToIntInString(s);
+    const int g = v ? ConvAnneeRepubGreg(v) : 0;
+    return g ? Zeros(g, 4) : std::string("....");
+  };
+  return borne(Milieu(date, 1, largeur)) + "/" + borne(Milieu(date, largeur + 2, largeur));
 }
 
 std::string Replie(std::string_view texte) {

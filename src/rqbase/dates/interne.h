@@ -22,6 +22,13 @@ std::string SansBlancsFin(std::string_view texte);
 // Entier écrit sur au moins `largeur` chiffres, complété de zéros ("%0*d").
 std::string Zeros(int valeur, int largeur);
 
+// Non vide et rien que des points : une partie inconnue.
+bool QueDesPoints(std::string_view texte);
+
+// Fourchette républicaine "aa/bb" -> "aaaa/bbbb" grégorienne, borne par borne par
+// ConvAnneeRepubGreg ; une borne en points (ou nulle) reste "....".
+std::string FourchetteRepublicaineEnGregorien(std::string_view date);
+
 // Texte en majuscules sans accents (Windows-1252), pour comparer des noms de mois.
 std::string Replie(std::string_view texte);
 
