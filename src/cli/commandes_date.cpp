@@ -5,6 +5,11 @@
 // '# <G01/02/1900#', fourchettes comprises), soit un texte lu comme le lit le
 // constructeur de TDateRQ. --calendrier et --acte les fixent explicitement ; le
 // texte est alors lu par AnalyseDate dans ce calendrier.
+//
+// Une commande qui ne peut pas répondre (texte refusé, conversion hors de portée,
+// Pâques hors des années calculées, écart incalculable) lève ERqBase : message
+// français sur stderr, code de sortie 1, rien sur la sortie standard ; seul
+// `analyser` écrit encore en JSON le code du refus qu'on lui demande.
 #include <memory>
 
 #include "commandes.h"
@@ -40,20 +45,26 @@ std::string TexteRefus(int code) {
   return "Date refusée (code " + std::to_string(code) + ") : " + rqbase::MessageAnalyseDate(code);
 }
 
+// Le texte libre lu comme le lit le constructeur de TDateRQ (calendrier R s'il en a
+// la forme, G sinon, AnalyseDate souple) ; mais un texte refusé arrête la commande,
+// là où le constructeur garderait le texte tapé comme date.
+TDateRQ LitTexte(const std::string& texte, char calendrier) {
+  std::string normalise = texte;
+  if (const int code = rqbase::AnalyseDate(normalise, calendrier, true); code != -1) throw ERqBase(TexteRefus(code));
+  return TDateRQ(calendrier, normalise);
+}
+
 TDateRQ LitDate(const TOptionsDate& o) {
   const std::string texte = Arg(o.texte);
   TDateRQ date;
   if (!o.calendrier.empty()) {
-    const char c = LettreCalendrier(o.calendrier);
-    std::string normalise = texte;
-    if (const int code = rqbase::AnalyseDate(normalise, c, true); code != -1) throw ERqBase(TexteRefus(code));
-    date = TDateRQ(c, normalise);
+    date = LitTexte(texte, LettreCalendrier(o.calendrier));
   } else if (texte.size() >= 5 && texte.size() <= 15 && texte.front() == '#' && texte.back() == '#') {
     // Forme exportée, fourchettes (plus courtes) comprises.
     date = TDateRQ(texte[3], texte.substr(4, texte.size() - 5));
     date.SetActe(rqbase::Trim(texte.substr(1, 2)));
   } else {
-    date = TDateRQ(texte);
+    date = LitTexte(texte, rqbase::DateFormatRepublicain(texte) ? 'R' : 'G');
   }
   if (!o.acte.empty()) date.SetActe(Arg(o.acte));
   return date;
@@ -75,15 +86,30 @@ void AjouteOptionsDate(CLI::App* cmd, TOptionsDate& o, const char* nom, bool ave
   }
 }
 
-// Texte d'une date dans un autre calendrier ; vide hors de la portée d'un calendrier.
+std::string NomCalendrier(char c) {
+  switch (c) {
+    case 'R': return "républicain";
+    case 'H': return "hébraïque";
+    case 'A': return "avant Jésus-Christ";
+    default: return "grégorien";
+  }
+}
+
+// Texte d'une date dans un autre calendrier ; une conversion qui ne donne rien (date
+// hors de la portée d'un calendrier, invalide dans le sien, borne ouverte d'une
+// fourchette vers le républicain) arrête la commande.
 std::string Convertit(const TDateRQ& date, char vers) {
   const char depuis = date.GetCalendrier() ? date.GetCalendrier() : 'G';
   if (depuis == vers) return date.GetDate();
-  if (depuis == 'A' || vers == 'A') return {};
+  if (depuis == 'A') throw ERqBase("Une date avant Jésus-Christ ne se convertit dans aucun autre calendrier.");
   const std::string gregorien = date.ConvVersGreg();
-  if (vers == 'G') return gregorien;
-  if (gregorien.empty()) return {};
-  return vers == 'R' ? rqbase::ConvGregorienRepublicain(gregorien) : rqbase::ConvGregorienHebraique(gregorien);
+  std::string texte = gregorien;
+  if (vers != 'G' && !gregorien.empty())
+    texte = vers == 'R' ? rqbase::ConvGregorienRepublicain(gregorien) : rqbase::ConvGregorienHebraique(gregorien);
+  if (texte.empty())
+    throw ERqBase("Conversion impossible : la date " + date.GetDate() + " (calendrier " + NomCalendrier(depuis) +
+                  ") n'a pas d'équivalent dans le calendrier " + NomCalendrier(vers) + ".");
+  return texte;
 }
 
 void Analyser(TContexteCli& ctx, const TOptionsDate& o, bool strict) {
@@ -213,16 +239,16 @@ void AjouteCommandesDate(CLI::App& app, TContexteCli& ctx) {
     int annees = 0, jours = 0, mois = 0;
     bool inverse = false;
     const int n = rqbase::CalcJours(LitDate(*o1), LitDate(*o2), &age, &annees, &jours, *approx, &inverse, &mois);
-    json r = {{"jours", NombreOuNul(n)}, {"annees", NombreOuNul(annees)}, {"mois", NombreOuNul(mois)},
-              {"age", NombreOuNul(age)}, {"inverse", inverse}};
+    if (n == rqbase::kIncalculable) throw ERqBase("Écart incalculable entre ces deux dates.");
     if (ctx.Json) {
-      EcritJson(r);
+      EcritJson({{"jours", n}, {"annees", NombreOuNul(annees)}, {"mois", NombreOuNul(mois)}, {"age", NombreOuNul(age)},
+                 {"inverse", inverse}});
       return;
     }
-    if (n == rqbase::kIncalculable) throw ERqBase("Écart incalculable entre ces deux dates.");
     char ageTexte[32];
     std::snprintf(ageTexte, sizeof ageTexte, "%.3f", age);
-    Ecrit(std::to_string(n) + " jours, " + rqbase::CreerChnAn(annees) + " et " + std::to_string(mois) +
+    // Singulier jusqu'à 1, comme les années de CreerChnAn.
+    Ecrit(std::to_string(n) + (n > 1 ? " jours, " : " jour, ") + rqbase::CreerChnAn(annees) + " et " + std::to_string(mois) +
           " mois, âge " + ageTexte + (inverse ? " (dates inversées)" : ""));
   });
 
@@ -256,10 +282,11 @@ void AjouteCommandesDate(CLI::App& app, TContexteCli& ctx) {
   paques->callback([&ctx, annee] {
     std::string jour, mois;
     const std::string texte = rqbase::CalcDatePaques(*annee, &jour, &mois);
+    if (texte.empty())
+      throw ERqBase("Pâques ne se calcule que pour les années 1583 à 2499 (année demandée : " + std::to_string(*annee) +
+                    ").");
     if (ctx.Json) {
-      EcritJson({{"texte", Texte(texte)},
-                 {"jour", texte.empty() ? json(nullptr) : json(std::stoi(jour))},
-                 {"mois", texte.empty() ? json(nullptr) : json(std::stoi(mois))}});
+      EcritJson({{"texte", Texte(texte)}, {"jour", std::stoi(jour)}, {"mois", std::stoi(mois)}});
     } else {
       Ecrit(texte);
     }
