@@ -129,6 +129,49 @@ TEST_F(TableTVTest, TriShellAvecProgressionEtAbandon) {
   EXPECT_EQ(abandon.Pos, 1);  // arrêt après la première passe
 }
 
+// L'ordre des éléments égaux est celui des passes du tri Shell (le tri n'est pas
+// stable) : ces ordres, relevés sur le tri d'origine, ne doivent pas bouger.
+TEST_F(TableTVTest, TriShellGardeLOrdreDesEgaux) {
+  const auto Remplie = [](int n) {
+    TTableTV t(4, 3, 8);
+    for (int i = 0; i < n; ++i) t.Ajoute(TEltEssai(std::string(1, char('a' + (i * 7 + i / 3) % 5)), i));
+    return t;
+  };
+  const auto Numeros = [](const TTableTV& t) {
+    std::vector<int> r;
+    TEltEssai e;
+    for (long i = 0; i < t.GetNbElt(); ++i) {
+      t.Lit(i, e);
+      r.push_back(e.Numero);
+    }
+    return r;
+  };
+  TTableTV t = Remplie(40);
+  t.Classement(Travail, Travail2);
+  EXPECT_EQ(Numeros(t), (std::vector<int>{0,  11, 26, 28, 30, 13, 15, 35, 37, 39, 5,  20, 22, 9,  24, 7,  1,  14, 31, 16,
+                                          29, 3,  18, 33, 8,  23, 12, 27, 10, 25, 38, 17, 21, 32, 19, 2,  36, 4,  34, 6}));
+  t = Remplie(40);
+  t.TriShell(5, 30, Travail, Travail2);
+  EXPECT_EQ(Numeros(t), (std::vector<int>{0,  1,  2,  3,  4,  28, 26, 30, 13, 11, 15, 5,  20, 22, 9,  24, 7,  18, 29, 16,
+                                          14, 27, 23, 25, 12, 8,  10, 19, 21, 17, 6,  31, 32, 33, 34, 35, 36, 37, 38, 39}));
+  // Abandon demandé d'avance : l'index reste tel que la première passe (écart 23) l'a mis.
+  t = Remplie(40);
+  TProgression abandon;
+  abandon.DemandeAbandon();
+  t.Classement(Travail, Travail2, &abandon);
+  EXPECT_EQ(Numeros(t), (std::vector<int>{0,  24, 25, 26, 27, 28, 29, 30, 31, 9,  33, 11, 35, 13, 37, 15, 39, 17, 18, 19,
+                                          20, 21, 22, 23, 1,  2,  3,  4,  5,  6,  7,  8,  32, 10, 34, 12, 36, 14, 38, 16}));
+
+  // 3000 éléments sur 11 clés : tous les écarts jusqu'à 1750 servent. L'empreinte
+  // FNV-1a de la suite des numéros est celle du tri d'origine.
+  TTableTV grande(4, 3, 8);
+  for (int i = 0; i < 3000; ++i) grande.Ajoute(TEltEssai(std::to_string((i * 37) % 11), i));
+  grande.Classement(Travail, Travail2);
+  uint64_t empreinte = 1469598103934665603ull;
+  for (int no : Numeros(grande)) empreinte = (empreinte ^ uint32_t(no)) * 1099511628211ull;
+  EXPECT_EQ(empreinte, 0x85632e698be64a63ull);
+}
+
 TEST_F(TableTVTest, SauvegardeEtRestaurationDesDeuxVersions) {
   for (const char* c : {"Dupont", "Martin", "Bernard"}) AjouteClasse(c, 3);
   const std::string v2 = Sauve();
@@ -173,11 +216,107 @@ TEST_F(TableTVTest, FluxCourtOuAbsurdeDonneUneTableVide) {
     const bool ok = t.Restauration(is, 2);
     return ok || t.GetNbElt() != 0;
   };
-  EXPECT_FALSE(Altere(0, 0x7FFFFFFF));  // compte absurde
+  EXPECT_FALSE(Altere(0, 0x7FFFFFFF));  // plus d'entrées que le flux n'a d'octets
   EXPECT_FALSE(Altere(0, -1));
-  EXPECT_FALSE(Altere(4, 0x7FFFFFF0));  // capacité d'index sans rapport avec le contenu
-  EXPECT_FALSE(Altere(16, 0x7FFFFFF0));
-  EXPECT_FALSE(Altere(24, 100000));  // un décalage hors de la zone de texte
+  EXPECT_FALSE(Altere(12, 0x7FFFFFF0));  // zone de texte plus longue que le flux
+  EXPECT_FALSE(Altere(4, 1));            // capacité d'index sous le nombre d'éléments
+  EXPECT_FALSE(Altere(16, 1));           // capacité de texte sous les octets utilisés
+  EXPECT_FALSE(Altere(8, 0));            // taille initiale nulle
+  EXPECT_FALSE(Altere(20, 0));           // taille moyenne nulle
+  EXPECT_FALSE(Altere(24, 100000));      // un décalage hors de la zone de texte
+  EXPECT_FALSE(Altere(bon.size() - 4, 0));  // pas de croissance nul
+}
+
+// Des tables que l'usage produit, aux capacités, pas ou tailles initiales bien
+// plus grands que leur contenu : chacune se relit entière et se réécrit à l'octet.
+TEST_F(TableTVTest, GrandesCapacitesFontLAllerRetour) {
+  struct {
+    long Initial, Croissance;
+    int Elements;
+  } cas[] = {{60000, 50, 10}, {100, 1000000, 300}, {2000000, 50, 25}};
+  for (const auto& c : cas) {
+    TTableTV table(c.Initial, c.Croissance, 20);
+    for (int i = 0; i < c.Elements; ++i) table.AjouteClasse(TEltEssai("cle" + std::to_string(i * 7 % c.Elements), i), Travail);
+    std::stringstream s;
+    opstream os(s);
+    table.Sauvegarde(os);
+    const std::string octets = s.str();
+
+    std::stringstream entree(octets);
+    ipstream is(entree);
+    TTableTV relue(1, 1, 1);
+    ASSERT_TRUE(relue.Restauration(is, 2)) << c.Initial << " " << c.Croissance;
+    EXPECT_EQ(relue.GetNbElt(), c.Elements);
+    EXPECT_EQ(relue.CapaciteIndex(), table.CapaciteIndex());
+    EXPECT_EQ(relue.CapaciteChn(), table.CapaciteChn());
+    EXPECT_EQ(relue.NombreInitial(), c.Initial);
+    EXPECT_EQ(relue.PasCroissance(), c.Croissance);
+    TEltEssai a, b;
+    for (long i = 0; i < table.GetNbElt(); ++i) {
+      table.Lit(i, a);
+      relue.Lit(i, b);
+      EXPECT_EQ(b.Cle, a.Cle);
+      EXPECT_EQ(b.Numero, a.Numero);
+    }
+    std::stringstream resauve;
+    opstream ros(resauve);
+    relue.Sauvegarde(ros);
+    EXPECT_EQ(resauve.str(), octets);
+    // La table relue vit normalement : une insertion triée de plus se range.
+    EXPECT_EQ(relue.AjouteClasse(TEltEssai("a", -1), Travail), 0);
+    EXPECT_EQ(relue.GetNbElt(), c.Elements + 1);
+  }
+}
+
+// Un flux qui demande plus que ce qu'il contient : la mémoire prise suit le contenu,
+// jamais les nombres annoncés.
+TEST_F(TableTVTest, FluxHostilesSansGrandeAllocation) {
+  constexpr size_t kPeu = size_t(2) << 20;  // la réserve d'avance d'une table neuve tient dessous
+  const auto Flux = [](std::vector<int32_t> longs, const std::string& texte = "") {
+    std::stringstream s;
+    opstream os(s);
+    for (size_t i = 0; i < 6; ++i) os.writeLong(longs[i]);
+    for (size_t i = 7; i < longs.size(); ++i) os.writeLong(longs[i]);  // l'index
+    os.writeBytes(texte.data(), texte.size());
+    os.writeLong(longs[6]);  // pas de croissance
+    return s.str();
+  };
+  // 60 octets : un élément "x" (numéro 7), et des capacités, une taille initiale,
+  // une taille moyenne et un pas de croissance au plus haut.
+  const std::string texte("\x07\0\0\0x\0", 6);
+  const std::string hostile =
+      Flux({1, 0x7FFFFFFF, 0x7FFFFFFF, 6, 0x7FFFFFFF, 0x7FFFFFFF, 0x7FFFFFFF, 0}, texte) + std::string(22, '\0');
+  ASSERT_EQ(hostile.size(), 60u);
+  std::stringstream s(hostile);
+  ipstream is(s);
+  TTableTV t;
+  ASSERT_TRUE(t.Restauration(is, 2));
+  EXPECT_LT(t.MemoireReservee(), kPeu);
+  TEltEssai e;
+  ASSERT_TRUE(t.Lit(0, e));
+  EXPECT_EQ(e.Cle, "x");
+  EXPECT_EQ(e.Numero, 7);
+  for (int i = 0; i < 2000; ++i) t.AjouteClasse(TEltEssai("k" + std::to_string(i), i), Travail);
+  EXPECT_EQ(t.GetNbElt(), 2001);
+  EXPECT_LT(t.MemoireReservee(), kPeu);
+  t.Classement(Travail, Travail2);
+  t.Raz();
+  EXPECT_EQ(t.GetNbElt(), 0);
+  EXPECT_LT(t.MemoireReservee(), kPeu);
+
+  // Des comptes que le flux ne peut pas tenir sont refusés avant toute allocation.
+  for (const auto& longs : std::vector<std::vector<int32_t>>{
+           {0x7FFFFFFF, 0x7FFFFFFF, 1, 0, 1, 1, 50},          // index de 8 Go annoncé
+           {0, 1, 1, 0x7FFFFFF0, 0x7FFFFFFF, 1, 50},          // zone de texte de 2 Go annoncée
+           {1000, 1000, 1, 1000, 1000, 1, 50, 0, 0, 0, 0}}) {  // index tronqué
+    std::stringstream f(Flux(longs));
+    ipstream fi(f);
+    TTableTV r;
+    EXPECT_FALSE(r.Restauration(fi, 2));
+    EXPECT_FALSE(fi.Bon());
+    EXPECT_EQ(r.GetNbElt(), 0);
+    EXPECT_LT(r.MemoireReservee(), kPeu);
+  }
 }
 
 TEST_F(TableTVTest, PointeursDeFlux) {

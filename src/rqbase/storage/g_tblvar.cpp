@@ -11,10 +11,61 @@ namespace rqbase {
 namespace {
 
 constexpr size_t kMorceau = 32768;  // les blocs du flux s'écrivent par morceaux de cette taille
-// Un index ou une zone de texte relus ne dépassent jamais ce que la croissance
-// normale donne pour leur contenu ; au-delà, le flux est jugé absurde.
-constexpr long kMargeCapacite = 1L << 20;
-constexpr long kMargeCroissance = 1L << 26;
+// Comptes, capacités et décalages sont des entiers 32 bits dans le format.
+constexpr long kCapaciteMax = INT32_MAX;
+// Mémoire prise d'avance par une table neuve : sa capacité initiale, jusqu'à ces
+// limites ; au-delà, la mémoire suit le contenu.
+constexpr size_t kAvanceIndex = size_t(1) << 16;  // entrées
+constexpr size_t kAvanceChn = size_t(1) << 20;    // octets
+
+// Le tri par fusions demande au cache l'élément que chaque côté lira tant
+// d'entrées plus loin (mesuré : au-delà de 8, plus rien ne se gagne).
+constexpr long kAvanceLecture = 8;
+// Marque d'une entrée égale à sa précédente dans le tri par fusions.
+constexpr uint64_t kEgalPrecedent = uint64_t(1) << 63;
+
+[[noreturn]] void MemoireInsuffisante() { throw ERqBase("TTableTV : mémoire insuffisante"); }
+
+// Agrandit `v` pour tenir `besoin` éléments : au moins le double de la taille
+// actuelle (coût amorti constant), sans dépasser la capacité du format sauf si
+// le besoin l'exige.
+template <typename T>
+void Reserve(std::vector<T>& v, size_t besoin, long capacite) {
+  if (v.size() >= besoin) return;
+  const size_t visee = std::max(besoin, std::min(std::max(v.size() * 2, besoin), size_t(capacite)));
+  try {
+    v.resize(visee);
+  } catch (const std::bad_alloc&) {
+    MemoireInsuffisante();
+  } catch (const std::length_error&) {
+    MemoireInsuffisante();
+  }
+}
+
+// Les passes du tri Shell, des grands écarts vers 1, sur des valeurs quelconques ;
+// `avantOuEgal(x, y)` dit si x, placé avant y, peut y rester. Rend false si
+// l'abandon a été demandé entre deux écarts.
+template <typename T, typename F>
+bool PassesShell(T* v, long n, const std::vector<long>& ecarts, TProgression* progression, F avantOuEgal) {
+  long passe = 0;
+  for (auto ig = ecarts.rbegin(); ig != ecarts.rend(); ++ig) {
+    const long ecart = *ig;
+    for (long i = ecart; i < n; ++i) {
+      const T valeur = v[i];
+      long j = i;
+      while (j >= ecart && !avantOuEgal(v[j - ecart], valeur)) {
+        v[j] = v[j - ecart];
+        j -= ecart;
+      }
+      v[j] = valeur;
+    }
+    if (progression) {
+      progression->Position(++passe);
+      if (progression->Abandon()) return false;
+    }
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -30,38 +81,27 @@ void TEltBaseTV::EcritChn(const std::string& texte, char*& p) {
   p += texte.size() + 1;
 }
 
-char TEltBaseTV::LitCar(const char*& p, const char* fin) { return p < fin ? *p++ : '\0'; }
-
-void TEltBaseTV::LitMemoire(void* destination, size_t n, const char*& p, const char* fin) {
-  const size_t dispo = p < fin ? size_t(fin - p) : 0;
-  const size_t lu = std::min(n, dispo);
-  std::memcpy(destination, p, lu);
-  std::memset(static_cast<char*>(destination) + lu, 0, n - lu);
-  p += lu;
-}
-
-std::string TEltBaseTV::LitChn(const char*& p, const char* fin) {
-  const char* debut = p;
-  while (p < fin && *p) ++p;
-  std::string s(debut, p);
-  if (p < fin) ++p;  // le zéro final
-  return s;
-}
-
 // ---- TTableTV : construction et croissance ----------------------------------
 
 TTableTV::TTableTV(long initial, long croissance, int tailleMoyenne)
-    : Initial(std::max(1L, initial)), Croissance(std::max(1L, croissance)), TailleMoyenne(std::max(1, tailleMoyenne)) {
+    : Initial(std::clamp(initial, 1L, kCapaciteMax)),
+      Croissance(std::clamp(croissance, 1L, kCapaciteMax)),
+      TailleMoyenne(std::max(1, tailleMoyenne)) {
   CreateTable();
 }
 
 TTableTV::TTableTV(const TTableTV* autre) : TTableTV(autre ? *autre : TTableTV()) {}
 
-void TTableTV::CreateTable() {
+void TTableTV::CapacitesInitiales() {
   CapIndex = std::max(CapIndex, Initial);
-  CapChn = std::max(CapChn, Initial * TailleMoyenne);
-  Index.assign(size_t(CapIndex), 0);
-  Chn.assign(size_t(CapChn), '\0');
+  CapChn = std::max(CapChn, std::min(kCapaciteMax, Initial * TailleMoyenne));
+}
+
+void TTableTV::CreateTable() {
+  CapacitesInitiales();
+  // Nouveaux vecteurs plutôt que assign : une table remise à zéro rend sa mémoire.
+  std::vector<int32_t>(std::min(size_t(CapIndex), kAvanceIndex)).swap(Index);
+  std::vector<char>(std::min(size_t(CapChn), kAvanceChn)).swap(Chn);
 }
 
 void TTableTV::Raz() {
@@ -73,26 +113,24 @@ void TTableTV::Raz() {
 }
 
 void TTableTV::AggrandiTableIndex() {
-  if (CapIndex > NbElt) return;
-  CapIndex += std::max(Croissance, CapIndex / 10);
-  try {
-    Index.resize(size_t(CapIndex));
-  } catch (const std::bad_alloc&) {
-    throw ERqBase("TTableTV : mémoire insuffisante");
-  }
+  if (NbElt >= kCapaciteMax) MemoireInsuffisante();
+  if (CapIndex <= NbElt) CapIndex = std::min(kCapaciteMax, CapIndex + std::max(Croissance, CapIndex / 10));
+  Reserve(Index, size_t(NbElt) + 1, CapIndex);
 }
 
 void TTableTV::AggrandiTableChn(const TEltBaseTV& elt) {
   const long besoin = Utilise + elt.GetTailleMax();
-  if (besoin < CapChn) return;
-  // La taille moyenne suit les éléments réellement stockés.
-  if (NbElt > 0) TailleMoyenne = int(std::max(1L, Utilise / NbElt));
-  while (besoin >= CapChn) CapChn += std::max(Croissance, NbElt / 10) * TailleMoyenne;
-  try {
-    Chn.resize(size_t(CapChn));
-  } catch (const std::bad_alloc&) {
-    throw ERqBase("TTableTV : mémoire insuffisante");
+  // Un élément qui écrirait plus que sa taille maximale déborderait la zone : la
+  // mémoire couvre les deux.
+  const long ecrit = Utilise + std::max(elt.GetTailleMax(), elt.GetTaille());
+  if (ecrit >= kCapaciteMax) MemoireInsuffisante();
+  if (besoin >= CapChn) {
+    // La taille moyenne suit les éléments réellement stockés.
+    if (NbElt > 0) TailleMoyenne = int(std::max(1L, Utilise / NbElt));
+    while (besoin >= CapChn)
+      CapChn = std::min(kCapaciteMax, CapChn + std::max(Croissance, NbElt / 10) * TailleMoyenne);
   }
+  Reserve(Chn, size_t(ecrit) + 1, CapChn);
 }
 
 long TTableTV::Ecrit(const TEltBaseTV& elt) {
@@ -112,11 +150,14 @@ long TTableTV::Ajoute(const TEltBaseTV& elt) {
   return NbElt++;
 }
 
-bool TTableTV::Lit(long rang, TEltBaseTV& elt) const {
-  if (rang < 0 || rang >= NbElt) return false;
-  const long decalage = Index[size_t(rang)];
+void TTableTV::LitDecalage(int32_t decalage, TEltBaseTV& elt) const {
   elt.Decalage = decalage;
   elt.Lit(Chn.data() + decalage, Utilise - decalage);
+}
+
+bool TTableTV::Lit(long rang, TEltBaseTV& elt) const {
+  if (rang < 0 || rang >= NbElt) return false;
+  LitDecalage(Index[size_t(rang)], elt);
   return true;
 }
 
@@ -156,8 +197,10 @@ void TTableTV::Insere(long rang, const TEltBaseTV& elt, TEltBaseTV& travail, con
 void TTableTV::Change(long rang, const TEltBaseTV& elt, TEltBaseTV& travail) {
   if (rang < 0 || rang >= NbElt) return;
   Lit(rang, travail);
-  if (elt.GetTaille() <= travail.GetTaille()) {
-    // Sur place : le reste de l'ancienne place devient un trou.
+  const long taille = elt.GetTaille();
+  // Sur place : le reste de l'ancienne place devient un trou. Un ancien élément
+  // abîmé peut se relire plus long que ses octets : on ne dépasse jamais la zone.
+  if (taille <= travail.GetTaille() && Index[size_t(rang)] + taille <= Utilise) {
     elt.Ecrit(Chn.data() + Index[size_t(rang)]);
     return;
   }
@@ -200,7 +243,7 @@ void TTableTV::ChangePtr(long rang, const TEltBaseTV& elt) {
 }
 
 void TTableTV::ReorganiseTableChn() {
-  std::vector<char> neuve(size_t(CapChn), '\0');
+  std::vector<char> neuve(Chn.size(), '\0');
   long utilise = 0;
   // Chaque entrée garde ses octets jusqu'au décalage suivant dans la zone.
   std::vector<int32_t> tries(Index.begin(), Index.begin() + NbElt);
@@ -272,6 +315,91 @@ long TTableTV::RechercheDicoth(const TEltBaseTV& elt, TEltBaseTV& travail, bool 
   return travail.EltCmp(elt) == 0 ? pos : -1;
 }
 
+// Tri par fusions naturelles de [premier, premier + n) : chaque comparaison ne relit
+// qu'un élément, l'autre restant dans son objet de travail. Chaque entrée y voyage
+// avec son décalage : position relative dans les bits 32 à 62, décalage dans les 32
+// bits bas, et le bit 63 (kEgalPrecedent) dit qu'elle est égale à celle qui la
+// précède dans sa suite, ce que chaque comparaison faite en passant suffit à tenir.
+// L'élément que chaque côté lira ensuite est demandé d'avance au cache : sur une
+// grande table, l'attente de la mémoire compte.
+std::vector<uint64_t> TTableTV::ClasseParFusion(long premier, long n, TEltBaseTV& a, TEltBaseTV& b) const {
+  const auto LitEntree = [&](uint64_t e, TEltBaseTV& elt) { LitDecalage(int32_t(uint32_t(e)), elt); };
+  const auto Annonce = [&](uint64_t e) { __builtin_prefetch(Chn.data() + int32_t(uint32_t(e))); };
+  const auto Egal = [](uint64_t e, bool egal) { return (e & ~kEgalPrecedent) | (egal ? kEgalPrecedent : 0); };
+  std::vector<uint64_t> ordre(static_cast<size_t>(n)), tampon(static_cast<size_t>(n));
+  for (long i = 0; i < n; ++i) ordre[size_t(i)] = uint64_t(i) << 32 | uint32_t(Index[size_t(premier + i)]);
+
+  // Les suites déjà en ordre sont gardées telles quelles : une table presque triée
+  // se classe en un passage.
+  std::vector<long> suites;  // début de chaque suite croissante, puis n
+  suites.push_back(0);
+  LitEntree(ordre[0], a);
+  for (long i = 1; i < n; ++i) {
+    TEltBaseTV& precedent = i % 2 ? a : b;
+    TEltBaseTV& courant = i % 2 ? b : a;
+    LitEntree(ordre[size_t(i)], courant);
+    const int c = precedent.EltCmp(courant);
+    if (c > 0) suites.push_back(i);
+    if (c == 0) ordre[size_t(i)] |= kEgalPrecedent;
+  }
+  suites.push_back(n);
+
+  while (suites.size() > 2) {
+    std::vector<long> fusionnees;
+    for (size_t s = 0; s + 1 < suites.size(); s += 2) {
+      const long bas = suites[s];
+      fusionnees.push_back(bas);
+      if (s + 2 >= suites.size()) {  // suite seule : recopiée
+        std::copy(ordre.begin() + bas, ordre.begin() + suites[s + 1], tampon.begin() + bas);
+        continue;
+      }
+      const long milieu = suites[s + 1], haut = suites[s + 2];
+      const uint64_t* o = ordre.data();
+      uint64_t* t = tampon.data();
+      long g = bas, d = milieu, k = bas;
+      LitEntree(o[g], a);
+      LitEntree(o[d], b);
+      // À égalité, la suite de gauche passe d'abord : la fusion est stable. Une
+      // entrée qui suit une entrée de l'autre côté lui est égale seulement si la
+      // comparaison qui a fait sortir celle-ci, de gauche, a rendu 0.
+      bool depuisGauche = true;
+      int derniere = 1;
+      for (;;) {
+        if (g + kAvanceLecture < milieu) Annonce(o[g + kAvanceLecture]);
+        if (d + kAvanceLecture < haut) Annonce(o[d + kAvanceLecture]);
+        const int c = a.EltCmp(b);
+        if (c <= 0) {
+          t[k] = k == bas || !depuisGauche ? Egal(o[g], false) : o[g];
+          ++k, ++g;
+          depuisGauche = true;
+          derniere = c;
+          if (g == milieu) break;
+          LitEntree(o[g], a);
+        } else {
+          t[k] = k == bas ? Egal(o[d], false) : depuisGauche ? Egal(o[d], derniere == 0) : o[d];
+          ++k, ++d;
+          depuisGauche = false;
+          derniere = c;
+          if (d == haut) break;
+          LitEntree(o[d], b);
+        }
+      }
+      if (g == milieu && d < haut) {
+        t[k++] = Egal(o[d++], derniere == 0);  // la tête de droite, comparée en dernier
+      } else if (d == haut && g < milieu) {
+        t[k++] = Egal(o[g++], false);  // plus grande que la dernière sortie de droite
+      }
+      std::copy(o + g, o + milieu, t + k);
+      k += milieu - g;
+      std::copy(o + d, o + haut, t + k);
+    }
+    fusionnees.push_back(n);
+    suites.swap(fusionnees);
+    ordre.swap(tampon);
+  }
+  return ordre;
+}
+
 void TTableTV::TriShell(long premier, long dernier, TEltBaseTV& travail, TEltBaseTV& travail2,
                         TProgression* progression) {
   premier = std::max(0L, premier);
@@ -282,30 +410,43 @@ void TTableTV::TriShell(long premier, long dernier, TEltBaseTV& travail, TEltBas
   std::vector<long> ecarts = {1, 4, 10, 23, 57, 132, 301, 701, 1750};
   while (ecarts.back() * 9 / 4 < n) ecarts.push_back(ecarts.back() * 9 / 4);
   while (ecarts.size() > 1 && ecarts.back() >= n) ecarts.pop_back();
+
+  // Les éléments sont d'abord classés une fois (chacun relu environ log2(n) fois,
+  // au lieu de deux fois par comparaison), ce qui donne à chacun le rang de son
+  // groupe d'égaux. Les passes du tri Shell se jouent ensuite sur ces rangs, chacun
+  // collé à son décalage : elles comparent les rangs comme elles compareraient les
+  // éléments, et font donc exactement les mêmes déplacements (même ordre final,
+  // y compris entre éléments égaux, même état après un abandon).
+  std::vector<uint64_t> paires;
+  bool distincts = true;
+  try {
+    const std::vector<uint64_t> ordre = ClasseParFusion(premier, n, travail, travail2);
+    paires.resize(size_t(n));
+    uint32_t rang = 0;
+    for (long k = 0; k < n; ++k) {
+      const uint64_t e = ordre[size_t(k)];
+      if (k > 0 && !(e & kEgalPrecedent)) ++rang;
+      distincts = distincts && (k == 0 || !(e & kEgalPrecedent));
+      paires[size_t((e & ~kEgalPrecedent) >> 32)] = uint64_t(rang) << 32 | uint32_t(e);
+    }
+  } catch (const std::bad_alloc&) {
+    MemoireInsuffisante();
+  }
   if (progression) {
     progression->Maximum(long(ecarts.size()));
     progression->Position(0);
   }
-  long passe = 0;
-  for (auto ig = ecarts.rbegin(); ig != ecarts.rend(); ++ig) {
-    const long ecart = *ig;
-    for (long i = premier + ecart; i <= dernier; ++i) {
-      const int32_t valeur = Index[size_t(i)];
-      Lit(i, travail2);
-      long j = i;
-      while (j - ecart >= premier) {
-        Lit(j - ecart, travail);
-        if (travail.EltCmp(travail2) <= 0) break;
-        Index[size_t(j)] = Index[size_t(j - ecart)];
-        j -= ecart;
-      }
-      Index[size_t(j)] = valeur;
-    }
-    if (progression) {
-      progression->Position(++passe);
-      if (progression->Abandon()) return;
-    }
+  if (distincts && !(progression && progression->Abandon())) {
+    // Sans égaux, l'ordre trié est unique : c'est celui que les passes donneraient.
+    for (long i = 0; i < n; ++i)
+      Index[size_t(premier + long(paires[size_t(i)] >> 32))] = int32_t(uint32_t(paires[size_t(i)]));
+    if (progression)
+      for (size_t passe = 1; passe <= ecarts.size(); ++passe) progression->Position(long(passe));
+    return;
   }
+  PassesShell(paires.data(), n, ecarts, progression,
+              [](uint64_t x, uint64_t y) { return (x >> 32) <= (y >> 32); });
+  for (long i = 0; i < n; ++i) Index[size_t(premier + i)] = int32_t(uint32_t(paires[size_t(i)]));
 }
 
 void TTableTV::Classement(TEltBaseTV& travail, TEltBaseTV& travail2, TProgression* progression) {
@@ -336,12 +477,13 @@ bool TTableTV::Restauration(ipstream& flux, int version) {
   const long utilise = flux.readLong();
   const long capChn = flux.readLong();
   const long moyenne = flux.readLong();
-  // Rien n'est alloué avant d'avoir vérifié les comptes contre le flux lui-même.
-  const bool absurde = !flux.Bon() || nb < 0 || utilise < 0 || capIndex < nb || capChn < utilise || initial < 1 ||
-                       moyenne < 1 || moyenne > (1 << 20) || nb * 4 + utilise > flux.Restant() ||
-                       capIndex > 2 * nb + kMargeCapacite || capChn > 2 * utilise + kMargeCapacite ||
-                       initial > kMargeCapacite || initial * moyenne > kMargeCroissance;
-  if (absurde) {
+  // Rien n'est alloué avant d'avoir confronté les comptes au flux lui-même : l'index
+  // et la zone de texte doivent y être en entier. Les capacités, la taille initiale
+  // et le pas de croissance ne sont que des nombres : ils n'engagent aucune mémoire.
+  const int64_t contenu = int64_t(nb) * 4 + utilise + (version < 2 ? 0 : 4);
+  const bool incoherent = !flux.Bon() || nb < 0 || utilise < 0 || capIndex < nb || capChn < utilise ||
+                          initial < 1 || moyenne < 1 || contenu > flux.Restant();
+  if (incoherent) {
     flux.MetEnEchec();
     *this = TTableTV();
     return false;
@@ -352,12 +494,15 @@ bool TTableTV::Restauration(ipstream& flux, int version) {
   CapChn = capChn;
   NbElt = 0;
   Utilise = 0;
-  CreateTable();
+  // Les capacités de CreateTable, mais la mémoire du seul contenu (au moins une
+  // place, pour que les pointeurs de données ne soient jamais nuls).
+  CapacitesInitiales();
+  std::vector<int32_t>(size_t(std::max(nb, 1L))).swap(Index);
+  std::vector<char>(size_t(std::max(utilise, 1L))).swap(Chn);
   flux.readBytes(Index.data(), size_t(nb) * 4);
   flux.readBytes(Chn.data(), size_t(utilise));
   Croissance = version < 2 ? 50 : flux.readLong();
-  // Un pas démesuré ferait exploser le prochain agrandissement de la zone de texte.
-  bool bon = flux.Bon() && Croissance >= 1 && Croissance * TailleMoyenne <= kMargeCroissance;
+  bool bon = flux.Bon() && Croissance >= 1;
   for (long i = 0; bon && i < nb; ++i) bon = Index[size_t(i)] >= 0 && Index[size_t(i)] <= utilise;
   if (!bon) {
     flux.MetEnEchec();

@@ -7,9 +7,17 @@
 //
 // TEltBaseTV est la base des éléments : Ecrit sérialise l'élément à un pointeur et
 // rend la nouvelle fin ; Lit le relit depuis un pointeur, `taille` étant le nombre
-// d'octets lisibles à partir de là (un élément ne lit jamais au-delà).
+// d'octets lisibles à partir de là (un élément ne lit jamais au-delà). EltCmp doit
+// être un ordre cohérent (deux éléments égaux à un troisième sont égaux entre eux,
+// a < b si et seulement si b > a) : le tri et les recherches reposent dessus.
+//
+// Capacités et mémoire. Les capacités de l'index et de la zone de texte sont celles
+// que le format enregistre et que la croissance fait avancer ; la mémoire réellement
+// prise suit le contenu (elle double au besoin sans dépasser la capacité), si bien
+// qu'une table relue d'un flux ne coûte que ce que le flux contient.
 #pragma once
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
@@ -44,9 +52,27 @@ class TEltBaseTV {
   static void EcritMemoire(const void* source, size_t n, char*& p);
   static void EcritChn(const std::string& texte, char*& p);  // les octets puis un zéro
   // Lecture bornée : au-delà de `fin`, on lit des zéros et un texte s'arrête.
-  static char LitCar(const char*& p, const char* fin);
-  static void LitMemoire(void* destination, size_t n, const char*& p, const char* fin);
-  static std::string LitChn(const char*& p, const char* fin);
+  // Écrites ici pour que chaque élément les reçoive en ligne : le tri d'une grande
+  // table en appelle des dizaines de millions.
+  static char LitCar(const char*& p, const char* fin) { return p < fin ? *p++ : '\0'; }
+  static void LitMemoire(void* destination, size_t n, const char*& p, const char* fin) {
+    if (p < fin && size_t(fin - p) >= n) {
+      std::memcpy(destination, p, n);
+      p += n;
+      return;
+    }
+    const size_t lu = p < fin ? size_t(fin - p) : 0;
+    if (lu > 0) std::memcpy(destination, p, lu);
+    std::memset(static_cast<char*>(destination) + lu, 0, n - lu);
+    p += lu;
+  }
+  static std::string LitChn(const char*& p, const char* fin) {
+    const char* debut = p;
+    while (p < fin && *p) ++p;
+    std::string s(debut, p);
+    if (p < fin) ++p;  // le zéro final
+    return s;
+  }
 };
 
 class TTableTV {
@@ -80,6 +106,10 @@ class TTableTV {
   void RechercheDichotomiqueApprochee(long dernier, long& pos, bool* memePremier, TEltBaseTV& travail,
                                       const TEltBaseTV& elt, TEltBaseTV& travail2, bool* trouve) const;
 
+  // Tri Shell de l'index (instable : l'ordre des éléments égaux est celui que donnent
+  // ses passes). La barre a une position par écart ; l'abandon, lu entre deux écarts,
+  // laisse l'index tel que la dernière passe l'a mis. Lève ERqBase si la mémoire de
+  // travail (environ 16 octets par entrée) manque ; l'index n'a alors pas changé.
   void Classement(TEltBaseTV& travail, TEltBaseTV& travail2, TProgression* progression = nullptr);
   void TriShell(long premier, long dernier, TEltBaseTV& travail, TEltBaseTV& travail2,
                 TProgression* progression = nullptr);
@@ -87,19 +117,30 @@ class TTableTV {
   void ReorganiseTableChn();
 
   void Sauvegarde(opstream& flux) const;
-  // false (table vide) si le flux est court ou tient des comptes absurdes.
+  // false (table vide, flux en échec) si le flux est court ou tient des comptes
+  // incohérents. Les comptes sont confrontés aux octets restants avant toute
+  // allocation : la mémoire prise est celle du contenu, quelles que soient les
+  // capacités et le pas de croissance enregistrés.
   bool Restauration(ipstream& flux, int version);
 
   long TailleUtilisee() const { return Utilise; }
   long CapaciteIndex() const { return CapIndex; }
   long CapaciteChn() const { return CapChn; }
   long PasCroissance() const { return Croissance; }
+  long NombreInitial() const { return Initial; }
+  int GetTailleMoyenne() const { return TailleMoyenne; }
+  // Octets réellement réservés pour l'index et la zone de texte.
+  size_t MemoireReservee() const { return Index.capacity() * sizeof(int32_t) + Chn.capacity(); }
 
  private:
+  void CapacitesInitiales();  // ce que CreateTable fait des capacités, sans allouer
   void AggrandiTableIndex();
   void AggrandiTableChn(const TEltBaseTV& elt);
   long Ecrit(const TEltBaseTV& elt);  // sérialise à la fin de la zone, rend le décalage
   void DeplaceIndex(long de, long vers);
+  void LitDecalage(int32_t decalage, TEltBaseTV& elt) const;
+  // Les entrées de [premier, premier + n) classées par EltCmp (voir le .cpp).
+  std::vector<uint64_t> ClasseParFusion(long premier, long n, TEltBaseTV& a, TEltBaseTV& b) const;
 
   long Initial;
   long Croissance;
@@ -107,9 +148,9 @@ class TTableTV {
   long Utilise = 0;
   int TailleMoyenne;
   long CapIndex = 0;
-  std::vector<int32_t> Index;
+  std::vector<int32_t> Index;  // au moins NbElt entrées ; au plus CapIndex
   long CapChn = 0;
-  std::vector<char> Chn;
+  std::vector<char> Chn;  // au moins Utilise octets ; au plus CapChn
 };
 
 // Pointeurs et références de flux persistant : un octet de présence puis la table.
