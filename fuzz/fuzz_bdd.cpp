@@ -1,12 +1,14 @@
-// Un fichier .adb d'octets quelconques (base SQLite abîmée, autre moteur, fichier
-// tronqué) ouvert par TModuleBDD : jamais de plantage ; seule ERqBase, le message
-// de restructuration, peut sortir. Le premier octet choisit un dossier modifiable
-// (mise à niveau et écriture comprises) ou en lecture seule.
-#include <unistd.h>
-
+// Les octets d'un fichier .adb quelconque (base SQLite abîmée, autre moteur, fichier
+// tronqué) lus par TModuleBDD : jamais de plantage ; seule ERqBase, le message de
+// restructuration, peut sortir. Le premier octet choisit un dossier modifiable (mise
+// à niveau et écriture comprises, et, avec le bit 2, la création des tables
+// manquantes) ou en lecture seule.
+//
+// Tout se passe en mémoire : les octets sont chargés dans une base en mémoire
+// (ChargeImage), puis CreateDataBase, OpenDataBase et les lectures suivent les
+// mêmes chemins que pour un fichier, sans un seul accès au disque.
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
+#include <cstdlib>
 #include <string>
 
 #include "rqbase/platform/dialogue.h"
@@ -16,19 +18,18 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* donnees, size_t taille) {
   using namespace rqbase;
-  namespace fs = std::filesystem;
+  // Chaque base refusée écrit une ligne au journal : des milliers par seconde. Le
+  // journal va dans un dossier qui ne peut exister, où AddLog renonce sans bruit,
+  // pour ne pas remplir celui de l'utilisateur.
+  static const bool journalMuet = ::setenv("XDG_DATA_HOME", "/dev/null", 1) == 0;
+  (void)journalMuet;
   if (taille < 1) return 0;
   static TDialogueFixe boite;
   InstalleDialogue(&boite);
-  static const fs::path dossier = fs::temp_directory_path() / ("rq_fuzz_bdd_" + std::to_string(::getpid()));
-  fs::remove_all(dossier);
-  fs::create_directories(dossier);
-  const std::string adb = (dossier / "F.adb").string();
-  std::ofstream(adb, std::ios::binary).write(reinterpret_cast<const char*>(donnees + 1),
-                                             static_cast<std::streamsize>(taille - 1));
   const bool modifiable = donnees[0] & 1;
   try {
-    TModuleBDD bdd(adb, "5.90", modifiable ? TAccesDossier::Modifiable : TAccesDossier::LectureSeule);
+    TModuleBDD bdd("F.adb", "5.90", modifiable ? TAccesDossier::Modifiable : TAccesDossier::LectureSeule);
+    if (!bdd.ChargeImage(donnees + 1, taille - 1)) return 0;
     if (modifiable && donnees[0] & 2) bdd.CreateDataBase();
     if (bdd.OpenDataBase()) {
       bdd.GetVersionBDD();
@@ -44,6 +45,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* donnees, size_t taille) {
   } catch (const ERqBase&) {
     // Attendu pour une base abîmée : le message à l'utilisateur.
   }
-  fs::remove_all(dossier);
   return 0;
 }

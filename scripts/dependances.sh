@@ -7,7 +7,7 @@ paquets=(
   cmake g++ make pkg-config
   libntl-dev libgmp-dev
   libboost-regex-dev libboost-dev
-  libsqlite3-dev libsqlitecpp-dev
+  libsqlite3-dev libsqlitecpp-dev sqlite3
   libpugixml-dev
   libcurl4-openssl-dev
   libssl-dev

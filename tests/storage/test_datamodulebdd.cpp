@@ -489,6 +489,59 @@ TEST_F(BaseTest, RequeteEnEchecDonneLeMessageDeRestructuration) {
   EXPECT_THAT([&] { fermee.Base(); }, ThrowsMessage<ERqBase>(StartsWith("Une erreur s'est produite sur la base ")));
 }
 
+// Une base chargée en mémoire se lit, se met à niveau et s'écrit comme son fichier,
+// sans que rien n'arrive sur le disque.
+TEST_F(BaseTest, ImageEnMemoireLueCommeLeFichier) {
+  {
+    auto bdd = CreeEtOuvre();
+    bdd->MAJTabInformation();
+    bdd->MAJInfoChps("Lieu", "Évreux");
+  }
+  const std::string octets = Contenu(Adb);
+  ASSERT_EQ(octets.substr(18, 2), std::string("\2\2"));  // une base en WAL
+  const std::string ailleurs = (Dossier.parent_path() / "Absent" / "Image.adb").string();
+  {
+    TModuleBDD image(ailleurs, "5.90", TAccesDossier::LectureSeule);
+    ASSERT_TRUE(image.ChargeImage(octets.data(), octets.size()));
+    ASSERT_TRUE(image.OpenDataBase());
+    EXPECT_TRUE(image.EstEnLectureSeule());
+    EXPECT_EQ(image.GetVersionBDD(), "5.90");
+    EXPECT_EQ(image.GetInfoChps("Lieu"), "Évreux");
+    image.MAJInfoChps("Lieu", "Sées");
+    EXPECT_EQ(image.GetInfoChps("Lieu"), "Évreux");
+  }
+  // Une base d'avant : la mise à niveau a lieu en mémoire, sans copie de sécurité.
+  fs::remove(Adb);
+  FabriqueAncienneBase();
+  const std::string ancienne = Contenu(Adb);
+  {
+    TModuleBDD image(ailleurs, "5.90");
+    ASSERT_TRUE(image.ChargeImage(ancienne.data(), ancienne.size()));
+    EXPECT_TRUE(image.CreateDataBase());
+    ASSERT_TRUE(image.OpenDataBase());
+    EXPECT_TRUE(image.ColonneExiste("Evenements", "DateLastModif"));
+    EXPECT_TRUE(image.TableExiste("Sources"));
+    EXPECT_EQ(Compte(image, "SELECT count(*) FROM Evenements"), 500);
+    image.MAJInfoChps("Lieu", "Sées");
+    EXPECT_EQ(image.GetInfoChps("Lieu"), "Sées");
+    EXPECT_FALSE(image.RestoreOldADB());
+  }
+  EXPECT_FALSE(fs::exists(fs::path(ailleurs).parent_path()));
+  EXPECT_EQ(Contenu(Adb), ancienne);
+  EXPECT_EQ(std::distance(fs::directory_iterator(Dossier), fs::directory_iterator()), 1);
+
+  // Des octets d'un autre moteur ne sont pas une base ; une base abîmée donne le
+  // message de restructuration et laisse l'objet fermé.
+  TModuleBDD image(ailleurs, "5.90");
+  EXPECT_FALSE(image.ChargeImage("ACRDB4 ancienne base", 20));
+  EXPECT_FALSE(image.EstOuverte());
+  std::string abimee = octets;
+  for (size_t i = 100; i < abimee.size(); i += 7) abimee[i] = char(0xA5);
+  EXPECT_THAT([&] { image.ChargeImage(abimee.data(), abimee.size()) && image.OpenDataBase(); },
+              ThrowsMessage<ERqBase>(StartsWith("Une erreur s'est produite sur la base Image.adb\n")));
+  EXPECT_FALSE(image.EstOuverte());
+}
+
 TEST_F(BaseTest, DrapeauDeReentreeDesTables) {
   TModuleBDD bdd(Adb, "5.90");
   EXPECT_FALSE(bdd.ReentreeBloquee("Evenements"));

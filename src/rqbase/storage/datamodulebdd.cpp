@@ -5,18 +5,21 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <mutex>
 #include <random>
 #include <set>
 
+#include "rqbase/platform/attributs.h"
 #include "rqbase/platform/chemins.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/platform/fichier.h"
 #include "rqbase/platform/journal.h"
 #include "rqbase/platform/progression.h"
+#include "rqbase/platform/remplacement.h"
 #include "rqbase/storage/schema_bdd.h"
 #include "rqbase/util/erreur.h"
 #include "rqbase/util/fichiers.h"
@@ -57,6 +60,35 @@ std::string SansExtension(const std::string& chemin) {
 std::string NomSeul(const std::string& chemin) {
   const size_t slash = chemin.find_last_of('/');
   return slash == std::string::npos ? chemin : chemin.substr(slash + 1);
+}
+
+std::string DossierDe(const std::string& chemin) {
+  const size_t slash = chemin.find_last_of('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : chemin.substr(0, slash);
+}
+
+// Vrai si le chemin désigne quoi que ce soit, lien compris (il n'est pas suivi).
+bool EntreeExiste(const std::string& chemin) {
+  std::error_code ec;
+  return fs::exists(fs::symlink_status(CheminOs(chemin), ec));
+}
+
+// "<base> (n)<ext>" pour n >= 2, le nom tel quel pour n = 1.
+std::string NomNumerote(const std::string& chemin, int n) {
+  if (n < 2) return chemin;
+  const std::string nom = NomSeul(chemin);
+  const size_t point = nom.find_last_of('.');
+  const size_t coupe = point == std::string::npos || point == 0 ? chemin.size() : chemin.size() - (nom.size() - point);
+  return chemin.substr(0, coupe) + " (" + std::to_string(n) + ")" + chemin.substr(coupe);
+}
+
+// Les deux fichiers de travail de SQLite qui accompagnent une base en journal WAL.
+constexpr const char* Compagnons[] = {"-wal", "-shm"};
+
+// Vrai pour l'en-tête d'une base SQLite, ou pour rien du tout (une base neuve).
+bool EnteteBase(const void* octets, size_t taille) {
+  return taille == 0 || (taille >= 16 && std::memcmp(octets, "SQLite format 3", 16) == 0);
 }
 
 // Texte coupé à la taille de la colonne, en caractères (un octet Windows-1252 chacun).
@@ -149,12 +181,69 @@ bool TModuleBDD::EstFichierBase(const std::string& chemin) {
   if (fichier->Taille() == 0) return true;
   char entete[16] = {};
   if (fichier->LitA(0, entete, sizeof entete) != static_cast<int64_t>(sizeof entete)) return false;
-  return std::memcmp(entete, "SQLite format 3", 16) == 0;
+  return EnteteBase(entete, sizeof entete);
+}
+
+// --- Mises de côté ---
+
+std::string TModuleBDD::MetDeCote(const std::string& cheminAdb, const std::string& cible) {
+  for (int n = 1; n < 10000; ++n) {
+    const std::string nom = NomNumerote(cible, n);
+    if (EntreeExiste(nom) || EntreeExiste(nom + Compagnons[0]) || EntreeExiste(nom + Compagnons[1])) continue;
+    // Le journal part le premier : laissé seul, il serait effacé par SQLite à la
+    // création de la base suivante (ou, pire, appliqué à elle), et ses lignes validées
+    // perdues. S'il ne peut partir, rien ne bouge.
+    const std::string wal = cheminAdb + Compagnons[0];
+    int erreur = 0;
+    const bool avecWal = EntreeExiste(wal);
+    if (avecWal && !RenommeSansEcraser(wal, nom + Compagnons[0], &erreur)) {
+      if (erreur == EEXIST) continue;
+      AddLog("Base " + cheminAdb + " : mise de côté du journal sous " + nom + Compagnons[0] + " impossible (" +
+             std::strerror(erreur) + ")");
+      return "";
+    }
+    if (!RenommeSansEcraser(cheminAdb, nom, &erreur)) {
+      int retour = 0;
+      if (avecWal && !RenommeSansEcraser(nom + Compagnons[0], wal, &retour))
+        AddLog("Base " + cheminAdb + " : journal resté sous " + nom + Compagnons[0]);
+      if (erreur == EEXIST) continue;
+      AddLog("Base " + cheminAdb + " : mise de côté sous " + nom + " impossible (" + std::strerror(erreur) + ")");
+      return "";
+    }
+    // L'index -shm ne tient rien qui ne soit dans le journal : il suit s'il le peut.
+    const std::string shm = cheminAdb + Compagnons[1];
+    if (EntreeExiste(shm) && !RenommeSansEcraser(shm, nom + Compagnons[1], &erreur))
+      AddLog("Base " + cheminAdb + " : index " + shm + " laissé en place (" + std::strerror(erreur) + ")");
+    return nom;
+  }
+  AddLog("Base " + cheminAdb + " : aucun nom libre pour la mettre de côté sous " + cible);
+  return "";
+}
+
+bool TModuleBDD::MetDeCoteConversionInachevee(const std::string& cheminAdb) {
+  const std::string nom = MetDeCote(cheminAdb, SansExtension(cheminAdb) + ".~adb");
+  if (nom.empty()) return false;
+  AddLog("Base " + cheminAdb + " laissée par une conversion inachevée mise de côté sous " + nom);
+  Dialogue().Information("La base de données " + NomSeul(cheminAdb) +
+                             " laissée par une conversion inachevée a été conservée sous le nom " + NomSeul(nom) +
+                             ".",
+                         "Base de données mise de côté");
+  return true;
 }
 
 // --- Connexion ---
 
 void TModuleBDD::Connecte(bool lectureSeule) {
+  try {
+    ConnecteSelonAcces(lectureSeule);
+  } catch (...) {
+    // Une connexion à moitié réglée ne sert à rien : la base reste fermée.
+    DestroyDataBaseBDD();
+    throw;
+  }
+}
+
+void TModuleBDD::ConnecteSelonAcces(bool lectureSeule) {
   if (!lectureSeule) {
     Bdd = std::make_unique<SQLite::Database>(CheminOs(CheminAdb).string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
                                              AttenteVerrouMs);
@@ -162,26 +251,48 @@ void TModuleBDD::Connecte(bool lectureSeule) {
     // on reprend alors le chemin de la lecture seule.
     if (sqlite3_db_readonly(Bdd->getHandle(), "main") != 1) {
       LectureSeuleEffective = false;
-      AppliqueReglages();
+      AppliqueReglages(true);
+      EffaceIndexPartageOrphelin();
       return;
     }
     Bdd.reset();
   }
-  // En lecture seule, une base en WAL exclusif ne s'ouvre qu'en « immuable » :
-  // rien n'est créé à côté d'elle (ni -wal ni -shm). Un -wal laissé par un arrêt
-  // brutal tient des données validées : on l'ouvre alors normalement pour les voir.
-  const bool walLaisse = FichierExiste(CheminAdb + "-wal");
-  const std::string cheminOs = CheminOs(CheminAdb).string();
-  const std::string nom = walLaisse ? cheminOs : UriFichier(cheminOs) + "?immutable=1";
-  Bdd = std::make_unique<SQLite::Database>(nom, SQLite::OPEN_READONLY | SQLite::OPEN_URI, AttenteVerrouMs);
-  LectureSeuleEffective = true;
-  AppliqueReglages();
+  ConnecteLectureSeule();
 }
 
-void TModuleBDD::AppliqueReglages() {
+// Trois façons de lire sans écrire, selon ce que le dossier permet :
+// - dossier où l'on peut écrire : lecture ordinaire, avec les verrous partagés et
+//   l'index -shm de SQLite ; elle voit ce qu'un -wal tient de validé, et un
+//   programme qui écrirait en même temps ne peut rien fausser de ce qu'elle lit.
+//   SQLite y crée au besoin -wal et -shm vides, sans toucher aux données ;
+// - dossier qu'on ne peut écrire, sans -wal : le fichier est toute la base et rien
+//   ne peut la changer : « immuable », ni verrou ni fichier créé ;
+// - dossier qu'on ne peut écrire, avec un -wal (laissé par un arrêt brutal ou un
+//   autre programme) : « immuable » ignorerait ses lignes validées. Le système de
+//   fichiers sans verrous (unix-none) en mode exclusif garde l'index du journal en
+//   mémoire : le -wal est lu, rien n'est créé ni écrit.
+// Le mode exclusif ordinaire n'est pas possible en lecture seule : il veut un verrou
+// en écriture sur le fichier.
+void TModuleBDD::ConnecteLectureSeule() {
+  std::string nom = UriFichier(CheminOs(CheminAdb).string());
+  bool exclusif = false;
+  if (!SansDroitEcriture(DossierDe(CheminAdb))) {
+    nom += "?mode=ro";
+  } else if (!EntreeExiste(CheminAdb + Compagnons[0])) {
+    nom += "?immutable=1";
+  } else {
+    nom += "?mode=ro&vfs=unix-none";
+    exclusif = true;
+  }
+  Bdd = std::make_unique<SQLite::Database>(nom, SQLite::OPEN_READONLY | SQLite::OPEN_URI, AttenteVerrouMs);
+  LectureSeuleEffective = true;
+  AppliqueReglages(exclusif);
+}
+
+void TModuleBDD::AppliqueReglages(bool exclusif) {
   // Le mode exclusif doit précéder le passage en WAL : l'index du journal reste
   // alors en mémoire, sans fichier -shm, et aucun autre processus n'entre.
-  Bdd->exec("PRAGMA locking_mode=EXCLUSIVE");
+  if (exclusif) Bdd->exec("PRAGMA locking_mode=EXCLUSIVE");
   if (!LectureSeuleEffective) {
     // Sans effet sur une base déjà garnie : seule une base neuve prend cette taille.
     Bdd->exec("PRAGMA page_size=4096");
@@ -193,6 +304,54 @@ void TModuleBDD::AppliqueReglages() {
   // Prend le verrou tout de suite plutôt qu'à la première requête.
   SQLite::Statement lecture(*Bdd, "SELECT count(*) FROM sqlite_master");
   lecture.executeStep();
+}
+
+// Ouverte en écriture exclusive et en WAL, la connexion tient l'index du journal en
+// mémoire et le verrou exclusif du fichier : un -shm laissé par un autre programme
+// ne sert plus à personne (un programme qui s'en servirait tiendrait un verrou
+// partagé, et notre ouverture aurait échoué). Il est effacé pour que le dossier
+// redevienne propre ; le -wal, lui, est vidé et effacé par SQLite à la fermeture.
+void TModuleBDD::EffaceIndexPartageOrphelin() {
+  SQLite::Statement journal(*Bdd, "PRAGMA journal_mode");
+  if (!journal.executeStep() || journal.getColumn(0).getString() != "wal") return;
+  std::error_code ec;
+  const fs::path shm = CheminOs(CheminAdb + Compagnons[1]);
+  if (fs::is_regular_file(fs::symlink_status(shm, ec))) fs::remove(shm, ec);
+}
+
+bool TModuleBDD::ChargeImage(const void* octets, size_t taille) {
+  DestroyDataBaseBDD();
+  if (!EnteteBase(octets, taille)) return false;
+  try {
+    return ChargeImageEnMemoire(octets, taille);
+  } catch (...) {
+    DestroyDataBaseBDD();
+    throw;
+  }
+}
+
+bool TModuleBDD::ChargeImageEnMemoire(const void* octets, size_t taille) {
+  return Protege([&] {
+    Bdd = std::make_unique<SQLite::Database>(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    EnMemoire = true;
+    LectureSeuleEffective = Acces == TAccesDossier::LectureSeule;
+    if (taille > 0) {
+      auto* copie = static_cast<unsigned char*>(sqlite3_malloc64(taille));
+      if (copie == nullptr) throw ERqBase(TexteErreurBase());
+      std::memcpy(copie, octets, taille);
+      // Une base en mémoire n'a pas de journal WAL : les octets 18 et 19 de l'en-tête
+      // (versions d'écriture et de lecture, 2 pour WAL) repassent au journal ordinaire,
+      // ce que SQLite ferait d'un fichier sans -wal. Les pages ne changent pas.
+      if (taille >= 20 && copie[18] == 2 && copie[19] == 2) copie[18] = copie[19] = 1;
+      const int rc = sqlite3_deserialize(
+          Bdd->getHandle(), "main", copie, static_cast<sqlite3_int64>(taille), static_cast<sqlite3_int64>(taille),
+          SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_RESIZEABLE |
+              (LectureSeuleEffective ? SQLITE_DESERIALIZE_READONLY : 0));
+      if (rc != SQLITE_OK) throw SQLite::Exception(Bdd->getHandle(), rc);
+    }
+    AppliqueReglages(true);
+    return true;
+  });
 }
 
 bool TModuleBDD::EstOuverte() const { return Bdd != nullptr; }
@@ -215,21 +374,18 @@ void TModuleBDD::DestroyDataBaseBDD() {
   DeleteLesTables();
   Bdd.reset();
   LectureSeuleEffective = false;
+  EnMemoire = false;
 }
 
 // --- Création et ouverture ---
 
 void TModuleBDD::MetDeCoteAncienneBase() {
-  std::error_code ec;
-  fs::rename(CheminOs(CheminAdb), CheminOs(CheminV4ADB()), ec);
-  if (ec) {
-    AddLog("Base " + CheminAdb + " : mise de côté impossible (" + ec.message() + ")");
-    throw ERqBase(TexteErreurBase());
-  }
-  AddLog("Base " + CheminAdb + " d'un ancien format mise de côté sous " + CheminV4ADB());
+  const std::string nom = MetDeCote(CheminAdb, CheminV4ADB());
+  if (nom.empty()) throw ERqBase(TexteErreurBase());
+  AddLog("Base " + CheminAdb + " d'un ancien format mise de côté sous " + nom);
   Dialogue().Information("La base de données " + NomSeul(CheminAdb) +
                              " est d'un ancien format que ce programme ne sait plus lire.\n"
-                             "Elle a été conservée sous le nom " + NomSeul(CheminV4ADB()) +
+                             "Elle a été conservée sous le nom " + NomSeul(nom) +
                              " et une base neuve a été créée.\n\n"
                              "Les événements, champs, sources et illustrations de ce dossier devront être "
                              "repris par un import GEDCOM.",
@@ -239,14 +395,16 @@ void TModuleBDD::MetDeCoteAncienneBase() {
 bool TModuleBDD::CreateDataBase() {
   if (Acces == TAccesDossier::LectureSeule) return false;
   return Protege([&] {
-    if (!Bdd && FichierExiste(CheminAdb) && !EstFichierBase(CheminAdb)) MetDeCoteAncienneBase();
-    const fs::path dossier = fs::path(CheminAdb).parent_path();
-    if (!dossier.empty() && !DossierExiste(dossier.string())) {
-      std::error_code ec;
-      fs::create_directories(CheminOs(dossier.string()), ec);
-      if (!DossierExiste(dossier.string())) return false;
+    if (!Bdd) {
+      if (FichierExiste(CheminAdb) && !EstFichierBase(CheminAdb)) MetDeCoteAncienneBase();
+      const fs::path dossier = fs::path(CheminAdb).parent_path();
+      if (!dossier.empty() && !DossierExiste(dossier.string())) {
+        std::error_code ec;
+        fs::create_directories(CheminOs(dossier.string()), ec);
+        if (!DossierExiste(dossier.string())) return false;
+      }
+      Connecte(false);
     }
-    if (!Bdd) Connecte(false);
     if (LectureSeuleEffective) return false;
     for (const TTableSchema& table : SchemaBDD())
       if (!TableExiste(table.Nom)) CreeTable(table.Nom);
@@ -347,25 +505,32 @@ void TModuleBDD::Restructure(const std::string& table, const std::string& sql) {
 // --- Copies de sécurité ---
 
 void TModuleBDD::CopieADB() {
-  if (FichierExiste(CheminCopieADB()) || !Bdd || ColonneExiste("Evenements", "DateLastModif")) return;
+  // Une base en mémoire n'a pas de fichier à copier.
+  if (EnMemoire || EntreeExiste(CheminCopieADB()) || !Bdd || ColonneExiste("Evenements", "DateLastModif")) return;
   const bool lectureSeule = LectureSeuleEffective;
   DestroyDataBaseBDD();
+  // Fermée, la base a reversé son journal dans le fichier : la copie est complète.
+  // Une copie apparue entre-temps n'est pas écrasée.
   std::error_code ec;
-  fs::copy_file(CheminOs(CheminAdb), CheminOs(CheminCopieADB()), fs::copy_options::overwrite_existing, ec);
+  fs::copy_file(CheminOs(CheminAdb), CheminOs(CheminCopieADB()), fs::copy_options::none, ec);
   if (ec) AddLog("Base " + CheminAdb + " : copie de sécurité impossible (" + ec.message() + ")");
   Protege([&] { Connecte(lectureSeule); });
 }
 
 void TModuleBDD::DeleteCopieADB() {
+  if (EnMemoire) return;
   std::error_code ec;
   fs::remove(CheminOs(CheminCopieADB()), ec);
 }
 
 bool TModuleBDD::RestoreOldADB() {
-  if (!FichierExiste(CheminOldADB())) return false;
+  if (EnMemoire || !FichierExiste(CheminOldADB())) return false;
   DestroyDataBaseBDD();
   std::error_code ec;
   fs::remove(CheminOs(CheminAdb), ec);
+  // Le journal et l'index de la base remplacée partent avec elle : laissés, ils
+  // s'appliqueraient à la base remise en place.
+  for (const char* compagnon : Compagnons) fs::remove(CheminOs(CheminAdb + compagnon), ec);
   fs::rename(CheminOs(CheminOldADB()), CheminOs(CheminAdb), ec);
   if (ec) AddLog("Base " + CheminAdb + " : retour de l'ancienne base impossible (" + ec.message() + ")");
   return OpenDataBase();

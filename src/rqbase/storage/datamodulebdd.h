@@ -10,18 +10,25 @@
 // - Le texte interne est en Windows-1252 ; la base le garde en UTF-8. Les
 //   fonctions de cette classe convertissent à la frontière (LieTexte, TexteColonne
 //   pour les requêtes des autres parties).
-// - La connexion est exclusive (aucun autre processus n'ouvre le fichier pendant
-//   ce temps), en journal WAL, pages de 4096 octets, synchronous=FULL hors import,
-//   comparaisons sensibles à la casse (LIKE compris).
+// - La connexion en écriture est exclusive (aucun autre processus n'ouvre le
+//   fichier pendant ce temps), en journal WAL, pages de 4096 octets,
+//   synchronous=FULL hors import, comparaisons sensibles à la casse (LIKE compris).
+// - Le fichier reste ouvert à tout outil SQLite entre deux ouvertures : des -wal et
+//   -shm laissés par un autre programme, ou un -wal garni par un arrêt brutal après
+//   un commit, n'empêchent aucune ouverture, et toutes les lignes validées s'y lisent.
 // - Une requête qui échoue lève ERqBase avec le message « Une erreur s'est
 //   produite sur la base <fichier> » suivi du conseil de restructurer
 //   (TexteErreurBase) ; le message du moteur va au journal.
 // - Un dossier en lecture seule n'est jamais modifié : base ouverte en lecture
 //   seule, jamais créée, jamais mise à niveau ; le code qui a besoin d'une colonne
-//   récente la teste (ColonneExiste).
+//   récente la teste (ColonneExiste). Au plus, dans un dossier où l'on peut écrire,
+//   SQLite y crée ses fichiers de travail -wal et -shm (vides) ; dans un dossier
+//   qu'on ne peut écrire, rien n'est créé.
 // - Un fichier .adb qui n'est pas une base SQLite (moteur d'avant) est mis de côté
 //   sous <nom>_v4.adb par CreateDataBase, une base neuve le remplace, et
 //   l'utilisateur est prévenu que ses événements reviendront par un import GEDCOM.
+//   Une mise de côté n'écrase jamais rien : si le nom est pris, elle prend le
+//   premier nom libre "<nom>_v4 (2).adb", "<nom>_v4 (3).adb"... (MetDeCote).
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -62,6 +69,11 @@ class TModuleBDD {
   // false si le fichier manque ou n'est pas une base SQLite (laissé intact).
   // Un fichier qu'on ne peut ouvrir en écriture est ouvert en lecture seule.
   bool OpenDataBase();
+  // Se connecte à une copie en mémoire des octets d'un fichier .adb, sans rien lire
+  // ni écrire sur le disque (fuzz, outils) ; CreateDataBase, OpenDataBase et tout le
+  // reste travaillent ensuite sur elle comme sur le fichier, et elle disparaît à la
+  // fermeture. false, sans connexion, si ces octets ne sont pas une base SQLite.
+  bool ChargeImage(const void* octets, size_t taille);
   // Ajoute tables, colonnes et index manquants ; seulement pour un dossier
   // modifiable et une base ouverte en écriture. Voir le .cpp pour l'ordre.
   void UpdateOldBase();
@@ -99,6 +111,15 @@ class TModuleBDD {
   std::string CheminV5ADB() const;     // <nom>_v5.adb
   std::string CheminMisDeCote() const;  // <nom>.~adb
   const std::string& GetCheminAdb() const { return CheminAdb; }
+  // Met la base `cheminAdb` de côté sous `cible`, ou, si ce nom est pris, sous le
+  // premier nom libre "<base> (2)<ext>", "<base> (3)<ext>"... : rien n'est jamais
+  // écrasé. Son journal -wal et son index -shm la suivent (un -wal laissé seul
+  // s'appliquerait à la base suivante). Rend le nom pris ; vide en échec, la base
+  // n'ayant pas bougé. La base doit être fermée.
+  static std::string MetDeCote(const std::string& cheminAdb, const std::string& cible);
+  // <nom>.adb laissé par une conversion inachevée, mis de côté sous <nom>.~adb (ou le
+  // premier nom libre) ; le journal et l'utilisateur en sont informés. false en échec.
+  static bool MetDeCoteConversionInachevee(const std::string& cheminAdb);
 
   // --- Import ---
   // Ouvre une transaction et met le compteur à 1 ; réserve au premier appel les
@@ -168,7 +189,11 @@ class TModuleBDD {
 
  private:
   void Connecte(bool lectureSeule);
-  void AppliqueReglages();
+  void ConnecteSelonAcces(bool lectureSeule);
+  void ConnecteLectureSeule();
+  bool ChargeImageEnMemoire(const void* octets, size_t taille);
+  void AppliqueReglages(bool exclusif);
+  void EffaceIndexPartageOrphelin();
   void CreeTable(const std::string& table);
   void Restructure(const std::string& table, const std::string& sql);
   void UpdateTableTranscription();
@@ -184,6 +209,7 @@ class TModuleBDD {
   int IdBDD;
   std::string NomSession;
   bool LectureSeuleEffective = false;
+  bool EnMemoire = false;  // connectée à une image par ChargeImage
   long CompteurImport = 0;
   std::unique_ptr<SQLite::Database> Bdd;
   std::unique_ptr<SQLite::Transaction> Transaction;
