@@ -54,8 +54,9 @@ TGestFichier::TGestFichier(const std::string& chemin, bool nouveau, bool a, bool
     if (!sansOuverture && !PrendVerrou()) return;
     const std::string adb = FabriqueNomFichier(tfAdb);
     if (IsExt2009() && FichierExiste(adb)) {
-      // Une base laissée par une conversion inachevée est mise de côté, sous un nom libre.
-      if (!LectureSeule) RenommeSansEcraser(adb, NomLibre(Dossier + Nom + ".~adb"));
+      // Une base laissée par une conversion inachevée est mise de côté, avec son journal,
+      // sous un nom libre, et l'utilisateur en est prévenu.
+      if (!LectureSeule) TModuleBDD::MetDeCoteConversionInachevee(adb);
     }
     if (!IsExt2009() && FichierExiste(adb)) {
       VersionAnnee = 2020;
@@ -191,7 +192,8 @@ void TGestFichier::NouveauFichier(int premierePersonne) {
   // renommage qui refuse d'écraser : personne ne voit jamais un dossier à moitié créé.
   const std::string definitif = Dossier;
   const std::string parent = AjouteSlashSiNecessaire(fs::path(dossier).parent_path().string());
-  const std::string ecart = parent + ".rqcreation" + std::to_string(::getpid()) + "." + Nom;
+  // Un nom court : les chemins de l'écart ne doivent pas dépasser ceux du dossier définitif.
+  const std::string ecart = parent + ".rq" + std::to_string(::getpid()) + "n";
   std::error_code ec;
   fs::remove_all(CheminOs(ecart), ec);
   fs::create_directories(CheminOs(ecart + "/Notices"), ec);

@@ -232,7 +232,8 @@ TCompteRendu TGestFichier::DupliqueDossier(const std::string& cible) {
   for (int type = tfPersons; type <= tfBrd; ++type) (void)FabriqueNomFichierPour(type, cibleTexte + "/", nomCible);
   // La copie se fait à l'écart puis prend sa place d'un seul renommage.
   const std::string parent = AjouteSlashSiNecessaire(dossierCible.parent_path().string());
-  const std::string ecart = parent + ".rqcopie" + std::to_string(::getpid()) + "." + nomCible + "/";
+  // Un nom court : les chemins de l'écart ne doivent pas dépasser ceux de la cible.
+  const std::string ecart = parent + ".rq" + std::to_string(::getpid()) + "c/";
   std::error_code ec;
   fs::remove_all(CheminOs(ecart), ec);
   fs::create_directories(CheminOs(ecart + "Notices"), ec);
