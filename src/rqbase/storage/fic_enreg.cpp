@@ -34,7 +34,9 @@ bool EcritEnregistrement(TContexteDossier* gest, TFichierBrut* fichier, long no,
 
 TFicEnregBase::TFicEnregBase(TContexteDossier* gest, int type, size_t taille, bool creation)
     : Gestion(gest), Type(type), Taille(taille) {
-  Handle = gest->OuvertureFichier(gest->FabriqueNomFichier(type), creation);
+  (void)creation;
+  // Sans contexte, un objet sans fichier (une table en mémoire seulement).
+  if (gest) Handle = gest->OuvertureFichier(gest->FabriqueNomFichier(type), creation);
 }
 
 void TFicEnregBase::Demarre(bool creation) {
@@ -52,6 +54,7 @@ long TFicEnregBase::CompteMaxSelonTaille() const {
 }
 
 void TFicEnregBase::EcritureEntete() {
+  if (!Gestion) return;
   std::unique_ptr<unsigned char[]> enreg(new unsigned char[Taille]());
   const int32_t compte = static_cast<int32_t>(Nombre);
   std::memcpy(enreg.get(), &compte, sizeof compte);
@@ -59,7 +62,7 @@ void TFicEnregBase::EcritureEntete() {
 }
 
 bool TFicEnregBase::EcritEnteteBrut(const void* enreg) {
-  if (!EcritEnregistrement(Gestion, Handle.get(), -2, enreg, Taille)) return false;
+  if (!Gestion || !EcritEnregistrement(Gestion, Handle.get(), -2, enreg, Taille)) return false;
   NombreSurDisque = Nombre;
   return true;
 }
@@ -76,14 +79,20 @@ void TFicEnregBase::LectureEntete() {
 
 long TFicEnregBase::ReturnNewNum() { return ++Nombre; }
 
-bool TFicEnregBase::LitEnreg(long no, void* tampon) { return LitEnregistrement(Gestion, Handle.get(), no, tampon, Taille); }
+bool TFicEnregBase::LitEnreg(long no, void* tampon) {
+  if (!Gestion) {
+    std::memset(tampon, 0, Taille);
+    return false;
+  }
+  return LitEnregistrement(Gestion, Handle.get(), no, tampon, Taille);
+}
 
 bool TFicEnregBase::EcritEnreg(long no, const void* tampon, const char* texteException) {
   if (no > Nombre) {
     if (texteException) throw ERqBase(texteException);
     return false;
   }
-  if (no == 0) return false;
+  if (no == 0 || !Gestion) return false;
   if (!EcritEnregistrement(Gestion, Handle.get(), no, tampon, Taille)) return false;
   // L'enregistrement est là : l'en-tête peut maintenant le compter.
   if (no > NombreSurDisque) EcritureEntete();

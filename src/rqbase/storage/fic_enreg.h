@@ -44,6 +44,7 @@ inline int64_t DecalageEnreg(long no, size_t taille) {
 // Ce que tous les fichiers d'enregistrements ont : le contexte, le fichier, le compte.
 class TFicEnregBase {
  public:
+  // Sans contexte (nul), l'objet n'a pas de fichier : lectures vides, écritures abandonnées.
   TFicEnregBase(TContexteDossier* gest, int type, size_t taille, bool creation);
   virtual ~TFicEnregBase() = default;
   TFicEnregBase(const TFicEnregBase&) = delete;

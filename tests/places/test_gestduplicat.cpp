@@ -1,0 +1,204 @@
+// Chaînes partagées : le fichier de 114 octets, sa table triée, ses trois numérotations.
+// Les fichiers vivent dans un disque en mémoire : chaque test part d'un disque vide.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "rqbase/places/gestduplicat.h"
+#include "rqbase/platform/fichier_memoire.h"
+#include "rqbase/storage/contexte_dossier.h"
+#include "rqbase/util/erreur.h"
+
+namespace rqbase {
+namespace {
+
+using testing::ElementsAre;
+using testing::StrEq;
+using testing::ThrowsMessage;
+
+constexpr const char* kLie = "/m/Essai.rq2/Essai.lie";
+
+class DupliTest : public testing::Test {
+ protected:
+  std::unique_ptr<TFicDupli> Ouvre(bool creation = false) {
+    return std::make_unique<TFicDupli>(&Contexte, tfLie, creation);
+  }
+  std::string Fichier() const {
+    const auto o = Disque.Contenu(kLie);
+    return std::string(o.begin(), o.end());
+  }
+  void Pose(const std::string& octets) { Disque.Pose(kLie, TDisqueMemoire::TOctets(octets.begin(), octets.end())); }
+  static long Ajoute(TFicDupli& f, const char* ville, const char* code = "", const char* region = "",
+                     const char* pays = "", int* position = nullptr) {
+    TEltDupChn e(0, ville, code, region, pays);
+    return f.Cherche(&e, true, position);
+  }
+  // Les communes dans l'ordre de la table, supprimées comprises.
+  static std::vector<std::string> Ordre(TFicDupli& f) {
+    std::vector<std::string> r;
+    TEltDupChn e;
+    for (long p = 0; p < f.Table()->GetNbElt(); ++p) {
+      f.Table()->Lit(p, e);
+      r.push_back(e.Ville);
+    }
+    return r;
+  }
+
+  TDisqueMemoire Disque;
+  TDisqueMemoire::TInstallation Installation{Disque};
+  TContexteDossier Contexte{"/m/Essai.rq2/Essai.prs"};
+};
+
+TEST_F(DupliTest, FichierNeufPuisValeursNumeroteesEtRangees) {
+  {
+    auto f = Ouvre(true);
+    EXPECT_EQ(Fichier().size(), 114u);
+    EXPECT_EQ(Fichier().substr(0, 2), std::string("0\0", 2));
+    EXPECT_EQ(Fichier()[113], 'N');
+    int pos = -2;
+    EXPECT_EQ(Ajoute(*f, "Lyon", "69", "", "France", &pos), 1);
+    EXPECT_EQ(pos, 0);
+    EXPECT_EQ(Ajoute(*f, "Amiens", "80", "", "", &pos), 2);
+    EXPECT_EQ(pos, 0);
+    // Deux graphies qui ne diffèrent que par l'accent : deux valeurs, voisines dans l'ordre.
+    EXPECT_EQ(Ajoute(*f, "Évreux"), 3);
+    EXPECT_EQ(Ajoute(*f, "Evreux"), 4);
+    EXPECT_EQ(Ajoute(*f, "Lyon", "69", "", "France"), 1);  // déjà là : même numéro
+    EXPECT_THAT(Ordre(*f), ElementsAre("Amiens", "Evreux", "Évreux", "Lyon"));
+    EXPECT_EQ(f->NbFiches(), 4);
+  }
+  // Relu : l'en-tête décimal, la table, les index.
+  EXPECT_EQ(Fichier().size(), 5u * 114);
+  EXPECT_EQ(std::string(Fichier().c_str()), "4");
+  auto f = Ouvre();
+  EXPECT_EQ(f->NbFiches(), 4);
+  EXPECT_THAT(Ordre(*f), ElementsAre("Amiens", "Evreux", "Évreux", "Lyon"));
+  TFicheDupli lyon(f.get(), 1, true);
+  EXPECT_STREQ(lyon.Elt.Pays, "France");
+  EXPECT_EQ(f->RangDeNumero(1), 3);
+  TEltDupChn cherche(0, "Amiens", "80");
+  EXPECT_EQ(f->Cherche(&cherche, false), 2);
+  TEltDupChn absent(0, "Paris");
+  int pos = 0;
+  EXPECT_EQ(f->Cherche(&absent, false, &pos), 0);
+  EXPECT_EQ(pos, -1);
+  EXPECT_EQ(f->NbFiches(), 4);
+}
+
+TEST_F(DupliTest, SuppressionPuisRetourSousLeMemeNumero) {
+  auto f = Ouvre(true);
+  for (const char* v : {"Brest", "Caen", "Dole"}) Ajoute(*f, v);
+  f->SupprimeElt(1);  // Caen, rang 1
+  EXPECT_THAT(f->ClassementSansSuppr(), ElementsAre(0, 2));
+  EXPECT_EQ(f->RangDeNumero(2), -1);
+  EXPECT_EQ(Fichier()[2 * 114 + 113], 'O');
+  // Toujours lisible par qui tient son numéro.
+  EXPECT_STREQ(TFicheDupli(f.get(), 2, true).Elt.Ville, "Caen");
+  f.reset();
+  f = Ouvre();
+  EXPECT_THAT(f->ClassementSansSuppr(), ElementsAre(0, 2));
+  int pos = -2;
+  EXPECT_EQ(Ajoute(*f, "Caen", "", "", "", &pos), 2);
+  EXPECT_EQ(pos, 1);
+  EXPECT_EQ(Fichier()[2 * 114 + 113], 'N');
+  EXPECT_EQ(f->NbFiches(), 3);
+}
+
+TEST_F(DupliTest, CommuneEtRegionDansLesChampsFixes) {
+  const std::string commune(30, 'c'), region = std::string(20, 'r') + std::string(10, 's');
+  TEltDupChn e(0, commune.c_str(), "", region.c_str(), "France");
+  EXPECT_EQ(std::strlen(e.Ville), 50u);
+  EXPECT_EQ(std::string(e.Ville), commune + ";" + std::string(19, 'r'));
+  EXPECT_EQ(std::string(e.Pays), "France;r" + std::string(10, 's'));
+  std::string v, r, p;
+  e.GetVilleRegionPays(v, r, p);
+  EXPECT_EQ(v, commune);
+  EXPECT_EQ(r, region);
+  EXPECT_EQ(p, "France");
+  // Une commune de 49 caractères perd son séparateur : voulu.
+  TEltDupChn limite(0, std::string(49, 'x').c_str(), "", "R", "");
+  EXPECT_EQ(std::string(limite.Ville), std::string(49, 'x') + "R");
+  // Plus de 50 caractères : la région est laissée.
+  TEltDupChn longue(0, std::string(60, 'y').c_str(), "", "R", "");
+  EXPECT_EQ(std::string(longue.Ville), std::string(50, 'y'));
+  // Sans région, 300 caractères en mémoire.
+  TEltDupChn seule(0, std::string(320, 'z').c_str());
+  EXPECT_EQ(std::strlen(seule.Ville), 300u);
+  std::string code, maj;
+  TEltDupChn accents(0, "Saint-Étienne", "42", "Rhône-Alpes", "");
+  accents.Fixe(maj, &code, &r, nullptr, true);
+  EXPECT_EQ(maj, "SAINT-ETIENNE");
+  EXPECT_EQ(r, "RHONE-ALPES");
+  EXPECT_STREQ(accents.VilleMaj, "SAINT-ETIENNE;RHONE-ALPES");
+}
+
+TEST_F(DupliTest, OrdreParCommuneAvantLaRegion) {
+  EXPECT_LT(TEltDupChn::MultiChnCmp("ab;z", "abc"), 0);   // "ab" avant "abc" malgré ';' > 'c'
+  EXPECT_GT(TEltDupChn::MultiChnCmp("abd;a", "abc;z"), 0);
+  EXPECT_LT(TEltDupChn::MultiChnCmp("ab;a", "ab;b"), 0);  // même commune : le texte entier
+  EXPECT_EQ(TEltDupChn::MultiChnCmp(";x", ";x"), 0);
+  EXPECT_LT(TEltDupChn::MultiChnCmp(";b", "a"), 0);       // premier morceau vide : octets
+  auto f = Ouvre(true);
+  Ajoute(*f, "Paris", "", "Zzz");
+  Ajoute(*f, "Parisot");
+  Ajoute(*f, "Paris", "", "Aaa");
+  EXPECT_THAT(Ordre(*f), ElementsAre("Paris;Aaa", "Paris;Zzz", "Parisot"));
+}
+
+TEST_F(DupliTest, FichierCoupeEtEnTetesAbimes) {
+  {
+    auto f = Ouvre(true);
+    for (int i = 1; i <= 10; ++i) Ajoute(*f, ("V" + std::to_string(i)).c_str());
+  }
+  // Coupé au milieu de l'enregistrement 7 : six valeurs.
+  Pose(Fichier().substr(0, 7 * 114 + 50));
+  EXPECT_EQ(Ouvre()->NbFiches(), 6);
+  // Un en-tête qui ment sur le compte, ou du texte : borné par le fichier, ou zéro.
+  std::string octets = Fichier();
+  std::memcpy(octets.data(), "999999999\0", 10);
+  Pose(octets);
+  EXPECT_EQ(Ouvre()->NbFiches(), 6);
+  std::memcpy(octets.data(), "abc\0", 4);
+  Pose(octets);
+  EXPECT_EQ(Ouvre()->NbFiches(), 0);
+  auto f = Ouvre();
+  EXPECT_TRUE(f->NoFicheValide(0));
+  EXPECT_TRUE(f->NoFicheValide(-5));  // sans borne basse, voulu
+  EXPECT_FALSE(f->NoFicheValide(1));
+  TFicheDupli fiche(f.get(), 0, false);
+  EXPECT_THAT([&] { fiche.Enregistrement(1); }, ThrowsMessage<ERqBase>(StrEq("FicDupli : Erreur Enreg")));
+  TFicheDupli vide(f.get(), 5, true);
+  EXPECT_EQ(vide.No(), 0);  // hors de l'index : curseur vide
+  EXPECT_TRUE(vide.Elt.Vide());
+}
+
+TEST_F(DupliTest, EcritureRateeNeCompteRien) {
+  auto f = Ouvre(true);
+  Ajoute(*f, "Nantes");
+  const std::string avant = Fichier();
+  TFichierBrut::Pannes().EcritureCourteApres(0, ".lie");
+  Ajoute(*f, "Rennes");
+  TFichierBrut::Pannes().Raz();
+  EXPECT_TRUE(Contexte.EcritureRatee());
+  EXPECT_EQ(std::string(Fichier().c_str()), "1");  // l'en-tête ne couvre pas la moitié écrite
+}
+
+TEST(DupliSansFichier, TableEnMemoireSeulement) {
+  TFicDupli f(nullptr, tfDico, false);
+  TEltDupChn b(0, "b"), a(0, "a"), c(0, "c");
+  int pos = -2;
+  EXPECT_EQ(f.Cherche(&b, true, &pos), 1);
+  EXPECT_EQ(f.Cherche(&a, true, &pos), 2);
+  EXPECT_EQ(pos, 0);  // position de table
+  EXPECT_EQ(f.Cherche(&c, true, &pos), 3);
+  EXPECT_EQ(pos, 2);
+  f.SupprimeElt(1);  // « b » quitte la table pour de bon
+  EXPECT_EQ(f.Table()->GetNbElt(), 2);
+  EXPECT_EQ(f.Cherche(&b, false), 0);
+  EXPECT_TRUE(f.TabIndex().empty());
+}
+
+}  // namespace
+}  // namespace rqbase
