@@ -260,11 +260,11 @@ void TModuleBDD::ConnecteSelonAcces(bool lectureSeule) {
   ConnecteLectureSeule();
 }
 
-// Trois façons de lire sans écrire, selon ce que le dossier permet :
-// - dossier où l'on peut écrire : lecture ordinaire, avec les verrous partagés et
-//   l'index -shm de SQLite ; elle voit ce qu'un -wal tient de validé, et un
-//   programme qui écrirait en même temps ne peut rien fausser de ce qu'elle lit.
-//   SQLite y crée au besoin -wal et -shm vides, sans toucher aux données ;
+// Lire sans écrire, selon ce que le dossier permet :
+// - dossier où l'on peut écrire : une connexion ordinaire, avec les verrous
+//   partagés et l'index -shm de SQLite, interdite d'écrire (ConnecteSansEcrire) ;
+//   elle voit ce qu'un -wal tient de validé, et un programme qui écrirait en même
+//   temps ne peut rien fausser de ce qu'elle lit ;
 // - dossier qu'on ne peut écrire, sans -wal : le fichier est toute la base et rien
 //   ne peut la changer : « immuable », ni verrou ni fichier créé ;
 // - dossier qu'on ne peut écrire, avec un -wal (laissé par un arrêt brutal ou un
@@ -277,6 +277,7 @@ void TModuleBDD::ConnecteLectureSeule() {
   std::string nom = UriFichier(CheminOs(CheminAdb).string());
   bool exclusif = false;
   if (!SansDroitEcriture(DossierDe(CheminAdb))) {
+    if (ConnecteSansEcrire()) return;
     nom += "?mode=ro";
   } else if (!EntreeExiste(CheminAdb + Compagnons[0])) {
     nom += "?immutable=1";
@@ -287,6 +288,32 @@ void TModuleBDD::ConnecteLectureSeule() {
   Bdd = std::make_unique<SQLite::Database>(nom, SQLite::OPEN_READONLY | SQLite::OPEN_URI, AttenteVerrouMs);
   LectureSeuleEffective = true;
   AppliqueReglages(exclusif);
+}
+
+// Une connexion ouverte en lecture-écriture mais interdite d'écrire (query_only) :
+// comme tout lecteur en WAL, elle crée au besoin -wal et -shm, mais, dernière à se
+// fermer, elle les efface comme elle les a trouvés (un -wal vide n'a rien à reverser),
+// si bien qu'une lecture laisse le dossier tel quel ; elle fait même disparaître
+// ceux, vides, qu'un autre programme avait laissés. Un -wal garni (arrêt brutal)
+// n'est pas reversé à la fermeture : la base garde ses octets, le -wal reste pour la
+// prochaine ouverture en écriture. Un fichier protégé en écriture, ou un journal
+// d'annulation « chaud » (qu'une connexion en écriture rejouerait dans la base),
+// renvoient à la lecture seule ordinaire : false.
+bool TModuleBDD::ConnecteSansEcrire() {
+  if (EntreeExiste(CheminAdb + "-journal")) return false;
+  std::error_code ec;
+  const auto tailleWal = fs::file_size(CheminOs(CheminAdb + Compagnons[0]), ec);
+  const bool walGarni = !ec && tailleWal > 0;
+  Bdd = std::make_unique<SQLite::Database>(CheminOs(CheminAdb).string(), SQLite::OPEN_READWRITE, AttenteVerrouMs);
+  if (sqlite3_db_readonly(Bdd->getHandle(), "main") == 1) {
+    Bdd.reset();
+    return false;
+  }
+  Bdd->exec("PRAGMA query_only=ON");
+  if (walGarni) sqlite3_db_config(Bdd->getHandle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  LectureSeuleEffective = true;
+  AppliqueReglages(false);
+  return true;
 }
 
 void TModuleBDD::AppliqueReglages(bool exclusif) {

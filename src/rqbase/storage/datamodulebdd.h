@@ -21,9 +21,9 @@
 //   (TexteErreurBase) ; le message du moteur va au journal.
 // - Un dossier en lecture seule n'est jamais modifié : base ouverte en lecture
 //   seule, jamais créée, jamais mise à niveau ; le code qui a besoin d'une colonne
-//   récente la teste (ColonneExiste). Au plus, dans un dossier où l'on peut écrire,
-//   SQLite y crée ses fichiers de travail -wal et -shm (vides) ; dans un dossier
-//   qu'on ne peut écrire, rien n'est créé.
+//   récente la teste (ColonneExiste). Une lecture laisse le dossier comme elle l'a
+//   trouvé ; seul un -wal garni par un arrêt brutal, qu'elle lit sans le reverser
+//   dans la base, peut lui faire laisser un index -shm à côté de lui.
 // - Un fichier .adb qui n'est pas une base SQLite (moteur d'avant) est mis de côté
 //   sous <nom>_v4.adb par CreateDataBase, une base neuve le remplace, et
 //   l'utilisateur est prévenu que ses événements reviendront par un import GEDCOM.
@@ -191,6 +191,7 @@ class TModuleBDD {
   void Connecte(bool lectureSeule);
   void ConnecteSelonAcces(bool lectureSeule);
   void ConnecteLectureSeule();
+  bool ConnecteSansEcrire();
   bool ChargeImageEnMemoire(const void* octets, size_t taille);
   void AppliqueReglages(bool exclusif);
   void EffaceIndexPartageOrphelin();
