@@ -367,8 +367,8 @@ bool TModuleBDD::ChargeImageEnMemoire(const void* octets, size_t taille) {
       if (copie == nullptr) throw ERqBase(TexteErreurBase());
       std::memcpy(copie, octets, taille);
       // Une base en mémoire n'a pas de journal WAL : les octets 18 et 19 de l'en-tête
-      // (versions d'écriture et de lecture, 2 pour WAL) repassent au journal ordinaire,
-      // ce que SQLite ferait d'un fichier sans -wal. Les pages ne changent pas.
+      // (versions d'écriture et de lecture, 2 pour WAL) repassent à 1, le journal
+      // ordinaire. Seul le mode de journal change, pas le contenu des pages.
       if (taille >= 20 && copie[18] == 2 && copie[19] == 2) copie[18] = copie[19] = 1;
       const int rc = sqlite3_deserialize(
           Bdd->getHandle(), "main", copie, static_cast<sqlite3_int64>(taille), static_cast<sqlite3_int64>(taille),
