@@ -3,12 +3,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 #include <iostream>
 #include <filesystem>
 #include <memory>
 #include <optional>
 
 #include "commandes.h"
+#include "ouverture.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/platform/attributs.h"
 #include "rqbase/platform/chemins.h"
@@ -30,67 +32,6 @@ namespace {
 using rqbase::ERqBase;
 using rqbase::TGestFichier;
 using rqbase::TPerson;
-
-// Le .prs d'un dossier nommé par son dossier système (avec ou sans .rq2) ou son .prs. Le
-// dossier système est pris sous son vrai nom (liens résolus) : c'est son extension qui dit
-// s'il est courant ou ancien, pas le nom d'un lien qui y mène.
-std::string CheminPrs(const std::string& nom) {
-  fs::path p(rqbase::SupprimeSlashSiNecessaire(nom));
-  std::error_code ec;
-  if (p.extension() != ".prs" && p.extension() != ".PRS") {
-    // Un chemin que le système refuse se lit comme absent : le message d'erreur est le nôtre.
-    if (!fs::is_directory(rqbase::CheminOs(p.string()), ec) && fs::is_directory(rqbase::CheminOs(p.string() + ".rq2"), ec))
-      p = p.string() + ".rq2";
-    const fs::path reel = fs::canonical(rqbase::CheminOs(p.string()), ec);
-    if (!ec) p = rqbase::CheminInterne(reel);
-    return (p / (p.stem().string() + ".prs")).string();
-  }
-  const fs::path dossier = fs::canonical(rqbase::CheminOs(p.parent_path().empty() ? "." : p.parent_path().string()), ec);
-  if (!ec) p = fs::path(rqbase::CheminInterne(dossier)) / p.filename();
-  return p.string();
-}
-
-// Un dossier généalogique courant : `<nom>.rq2` qui tient `<nom>.prs`. Toute autre cible
-// d'une suppression ou d'un renommage est refusée avant d'ouvrir quoi que ce soit.
-void VerifieDossierGenealogique(const std::string& nom) {
-  const fs::path prs(CheminPrs(Arg(nom)));
-  const fs::path dossier = prs.parent_path();
-  if (rqbase::MajusculesCp1252(dossier.extension().string()) != ".RQ2" || dossier.stem() != prs.stem() ||
-      !rqbase::FichierExiste(prs.string()))
-    throw ERqBase("\"" + Arg(nom) + "\" n'est pas un dossier généalogique (un dossier <nom>.rq2 qui tient <nom>.prs) : rien n'a été changé.");
-}
-
-// Vrai quand le dossier ne peut être écrit : dossier système ou fichier des personnes sans
-// droit d'écriture, ou dossier ancien (qui ne s'ouvre qu'en lecture).
-bool DossierEnLectureSeule(const std::string& prs) {
-  const fs::path p(prs);
-  const std::string dossier = p.parent_path().string();
-  const std::string ext = rqbase::MajusculesCp1252(fs::path(dossier).extension().string());
-  return ext != ".RQ2" || rqbase::SansDroitEcriture(dossier) || rqbase::SansDroitEcriture(prs);
-}
-
-std::unique_ptr<TGestFichier> Ouvre(const std::string& nom, bool lectureSeule) {
-  const std::string prs = CheminPrs(Arg(nom));
-  if (!rqbase::FichierExiste(prs)) throw ERqBase("Le dossier \"" + Arg(nom) + "\" est introuvable.");
-  // Tout se vérifie avant d'ouvrir en écriture : une commande refusée ne change rien.
-  if (!lectureSeule && DossierEnLectureSeule(prs))
-    throw ERqBase("Le dossier \"" + Arg(nom) + "\" est en lecture seule : rien n'a été changé.");
-  // Un dossier sans l'extension .rq2 est ancien : il ne s'ouvre qu'en lecture, et rien n'y
-  // est renommé ni mis de côté.
-  auto gest = std::make_unique<TGestFichier>(prs, false, false, false, false, 0, rqbase::mcLectureSeule,
-                                             lectureSeule || DossierEnLectureSeule(prs));
-  if (gest->EnErreur() || !gest->FicPersons()) {
-    if (!gest->MessageErreur().empty()) throw ERqBase(gest->MessageErreur());
-    throw ERqBase("Le dossier \"" + Arg(nom) + "\" ne peut pas être ouvert.");
-  }
-  return gest;
-}
-
-// Après une écriture : ce qui n'est pas sur le disque ne se dit pas fait.
-void VerifieEcriture(const TGestFichier& gest, const std::string& quoi) {
-  if (gest.EcritureRatee() || gest.EnErreur())
-    throw ERqBase("L'écriture dans le dossier a échoué (disque plein ou erreur du disque) : " + quoi);
-}
 
 // Les commandes de lecture ouvrent toujours en lecture seule (rien ne change sur le
 // disque) ; l'état du dossier lui-même se lit à ses droits et à sa version.
@@ -126,8 +67,18 @@ void Info(TContexteCli& ctx, const std::string& nom) {
   const long supprimees = gest->FicPersSuppr() ? gest->FicPersSuppr()->GetNbPersSuppr() : 0;
   json fichiers = json::array();
   std::vector<std::string> noms;
-  for (const auto& e : fs::directory_iterator(rqbase::CheminOs(gest->DossierFichiers())))
-    noms.push_back(rqbase::CheminInterne(e.path().filename()));
+  // Les fichiers de travail que la base tient ouverts le temps de la lecture ne sont pas
+  // des fichiers du dossier : ils disparaissent à la fermeture.
+  auto travailBase = [](const std::string& n) {
+    for (const char* suffixe : {"-wal", "-shm", "-journal"})
+      if (n.size() > std::strlen(suffixe) && n.compare(n.size() - std::strlen(suffixe), std::string::npos, suffixe) == 0)
+        return true;
+    return false;
+  };
+  for (const auto& e : fs::directory_iterator(rqbase::CheminOs(gest->DossierFichiers()))) {
+    const std::string n = rqbase::CheminInterne(e.path().filename());
+    if (!travailBase(n)) noms.push_back(n);
+  }
   std::sort(noms.begin(), noms.end());
   for (const auto& n : noms) fichiers.push_back(Texte(n));
   json j = {{"version", gest->AnneeVersion()},
@@ -167,11 +118,14 @@ void Personnes(TContexteCli& ctx, const std::string& nom, long debut, long nombr
   for (long no = std::max(1L, debut); no <= fin; ++no) {
     p.Lecture(no);
     if (tableau) {
-      tableau->Ajoute({{"numero", no},
-                       {"sexe", Texte(Car(p.Enreg.Sexe))},
-                       {"nom", Texte(p.Enreg.Nom)},
-                       {"prenoms", Texte(p.Enreg.Prenoms)},
-                       {"supprime", p.FicheSupprimee()}});
+      // Écrit sans objet json intermédiaire (le coût d'un million de personnes), membres
+      // dans l'ordre des clés : le texte est celui que json écrirait.
+      TTableauJsonEnFlux::TObjet(*tableau)
+          .Texte("nom", p.Enreg.Nom)
+          .Entier("numero", no)
+          .Texte("prenoms", p.Enreg.Prenoms)
+          .Texte("sexe", Car(p.Enreg.Sexe))
+          .Booleen("supprime", p.FicheSupprimee());
     } else {
       Ecrit(std::to_string(no) + "\t" + Car(p.Enreg.Sexe) + "\t" + p.Enreg.Nom + "\t" + p.Enreg.Prenoms +
             (p.FicheSupprimee() ? "\t(supprimée)" : ""));
@@ -324,6 +278,12 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx) {
     if (nouveau.empty() || nouveau.find('/') != std::string::npos || nouveau[0] == '.')
       throw ERqBase("Nouveau nom invalide : rien n'a changé.");
     VerifieDossierGenealogique(o.Chemin);
+    // La cible se vérifie avant d'ouvrir : l'ouverture en écriture peut déjà écrire.
+    const fs::path dossierActuel = fs::path(CheminPrs(Arg(o.Chemin))).parent_path();
+    const std::string cible = (dossierActuel.parent_path() / (nouveau + ".rq2")).string();
+    std::error_code ec;
+    if (fs::exists(fs::symlink_status(rqbase::CheminOs(cible), ec)))
+      throw ERqBase("Le dossier \"" + cible + "\" existe déjà : rien n'a changé.");
     auto gest = Ouvre(o.Chemin, false);
     Conclut(gest->RenommeDossier(nouveau));
     const std::string dossier = rqbase::SupprimeSlashSiNecessaire(gest->DossierFichiers());
@@ -335,11 +295,12 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx) {
   supprimer->add_option("DOSSIER", o.Chemin, U("Dossier .rq2 ou fichier .prs"))->required();
   supprimer->callback([&ctx] {
     VerifieDossierGenealogique(o.Chemin);
-    auto gest = Ouvre(o.Chemin, false);
-    const std::string dossier = rqbase::SupprimeSlashSiNecessaire(gest->DossierFichiers());
+    // La question vient avant l'ouverture : un refus ne touche à rien.
+    const std::string dossier = fs::path(CheminPrs(Arg(o.Chemin))).parent_path().string();
     const int reponse = rqbase::Dialogue().Question("Supprimer définitivement le dossier \"" + dossier + "\" ?",
                                                     "Suppression d'un dossier", rqbase::TBoutons::OuiNon);
     if (reponse != rqbase::ReponseOui) throw ERqBase("Suppression abandonnée : rien n'a été changé.");
+    auto gest = Ouvre(o.Chemin, false);
     Conclut(gest->SupprimeDossier());
     if (ctx.Json) return EcritJson({{"supprime", Texte(dossier)}});
     Ecrit("Dossier supprimé : " + dossier);

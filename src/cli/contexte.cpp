@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -49,17 +50,113 @@ void Ecrit(const std::string& cp1252) { std::cout << rqbase::VersUtf8(cp1252) <<
 
 void EcritJson(const json& document) { std::cout << document.dump(2) << '\n'; }
 
-TTableauJsonEnFlux::TTableauJsonEnFlux(const json& entete, const std::string& cle) {
-  std::cout << "{";
-  for (auto it = entete.begin(); it != entete.end(); ++it) std::cout << json(it.key()).dump() << ": " << it->dump() << ", ";
-  std::cout << json(cle).dump() << ": [";
+namespace {
+
+// Au-delà, le tampon part sur la sortie standard : de gros blocs, peu d'appels.
+constexpr size_t kTailleTampon = 1 << 16;
+
+// Ajoute un texte UTF-8 entre guillemets, échappé comme json::dump() : guillemet, barre
+// oblique inverse et caractères de contrôle ; le reste tel quel (UTF-8 valide).
+void AjouteChaineJson(std::string& dest, const std::string& utf8) {
+  static const char kHex[] = "0123456789abcdef";
+  dest += '"';
+  size_t debut = 0;
+  for (size_t i = 0; i < utf8.size(); ++i) {
+    const auto c = static_cast<unsigned char>(utf8[i]);
+    if (c >= 0x20 && c != '"' && c != '\\') continue;
+    dest.append(utf8, debut, i - debut);
+    debut = i + 1;
+    switch (c) {
+      case '"': dest += "\\\""; break;
+      case '\\': dest += "\\\\"; break;
+      case '\b': dest += "\\b"; break;
+      case '\f': dest += "\\f"; break;
+      case '\n': dest += "\\n"; break;
+      case '\r': dest += "\\r"; break;
+      case '\t': dest += "\\t"; break;
+      default:
+        dest += "\\u00";
+        dest += kHex[c >> 4];
+        dest += kHex[c & 0xF];
+    }
+  }
+  dest.append(utf8, debut, std::string::npos);
+  dest += '"';
 }
 
-TTableauJsonEnFlux::~TTableauJsonEnFlux() { std::cout << (Premier ? "]}\n" : "\n]}\n"); }
+}  // namespace
+
+TTableauJsonEnFlux::TTableauJsonEnFlux(const json& entete, const std::string& cle) {
+  Tampon.reserve(kTailleTampon + 4096);
+  Tampon += "{";
+  for (auto it = entete.begin(); it != entete.end(); ++it) {
+    Tampon += json(it.key()).dump();
+    Tampon += ": ";
+    Tampon += it->dump();
+    Tampon += ", ";
+  }
+  Tampon += json(cle).dump();
+  Tampon += ": [";
+}
+
+TTableauJsonEnFlux::~TTableauJsonEnFlux() {
+  Tampon += Premier ? "]}\n" : "\n]}\n";
+  std::cout.write(Tampon.data(), static_cast<std::streamsize>(Tampon.size()));
+}
+
+void TTableauJsonEnFlux::Separe() {
+  Tampon += Premier ? "\n  " : ",\n  ";
+  Premier = false;
+}
+
+void TTableauJsonEnFlux::VideSiPlein() {
+  if (Tampon.size() < kTailleTampon) return;
+  std::cout.write(Tampon.data(), static_cast<std::streamsize>(Tampon.size()));
+  Tampon.clear();
+}
 
 void TTableauJsonEnFlux::Ajoute(const json& element) {
-  std::cout << (Premier ? "\n  " : ",\n  ") << element.dump();
-  Premier = false;
+  Separe();
+  Tampon += element.dump();
+  VideSiPlein();
+}
+
+TTableauJsonEnFlux::TObjet::TObjet(TTableauJsonEnFlux& tableau) : Tableau(tableau) {
+  Tableau.Separe();
+  Tableau.Tampon += '{';
+}
+
+TTableauJsonEnFlux::TObjet::~TObjet() {
+  Tableau.Tampon += '}';
+  Tableau.VideSiPlein();
+}
+
+void TTableauJsonEnFlux::TObjet::Cle(const char* cle) {
+  if (!PremierMembre) Tableau.Tampon += ',';
+  PremierMembre = false;
+  Tableau.Tampon += '"';
+  Tableau.Tampon += cle;  // nos clés : de l'ASCII sans rien à échapper
+  Tableau.Tampon += "\":";
+}
+
+TTableauJsonEnFlux::TObjet& TTableauJsonEnFlux::TObjet::Texte(const char* cle, std::string_view cp1252) {
+  Cle(cle);
+  AjouteChaineJson(Tableau.Tampon, rqbase::VersUtf8(cp1252));
+  return *this;
+}
+
+TTableauJsonEnFlux::TObjet& TTableauJsonEnFlux::TObjet::Entier(const char* cle, long valeur) {
+  Cle(cle);
+  char chiffres[24];
+  const auto fin = std::to_chars(chiffres, chiffres + sizeof chiffres, valeur).ptr;
+  Tableau.Tampon.append(chiffres, fin);
+  return *this;
+}
+
+TTableauJsonEnFlux::TObjet& TTableauJsonEnFlux::TObjet::Booleen(const char* cle, bool valeur) {
+  Cle(cle);
+  Tableau.Tampon += valeur ? "true" : "false";
+  return *this;
 }
 
 TProgressionTerminal::TProgressionTerminal() : Terminal(::isatty(STDERR_FILENO) != 0) {

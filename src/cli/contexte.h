@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 
 #include "rqbase/platform/progression.h"
 
@@ -41,13 +42,38 @@ void EcritJson(const json& document);
 // Un document JSON dont le dernier membre est un long tableau, écrit au fil de l'eau :
 // la mémoire ne croît pas avec le nombre d'éléments (un million de personnes).
 // { <membres de l'en-tête>, "<cle>": [ élément, élément, ... ] }
+// Le texte passe par un tampon vidé par gros blocs sur la sortie standard ; le document est
+// fermé et vidé à la destruction, même quand une exception l'interrompt.
 class TTableauJsonEnFlux {
  public:
   TTableauJsonEnFlux(const json& entete, const std::string& cle);
   ~TTableauJsonEnFlux();
   void Ajoute(const json& element);
 
+  // Un élément objet écrit membre à membre, sans construire de json (un million
+  // d'éléments) : le texte est celui de json::dump() quand les membres sont donnés dans
+  // l'ordre de leurs clés, qui est celui où json les écrit. L'objet se ferme à la destruction.
+  class TObjet {
+   public:
+    explicit TObjet(TTableauJsonEnFlux& tableau);
+    ~TObjet();
+    TObjet(const TObjet&) = delete;
+    TObjet& operator=(const TObjet&) = delete;
+    // Un texte interne (Windows-1252), écrit en UTF-8 et échappé comme le fait json.
+    TObjet& Texte(const char* cle, std::string_view cp1252);
+    TObjet& Entier(const char* cle, long valeur);
+    TObjet& Booleen(const char* cle, bool valeur);
+
+   private:
+    void Cle(const char* cle);
+    TTableauJsonEnFlux& Tableau;
+    bool PremierMembre = true;
+  };
+
  private:
+  void Separe();
+  void VideSiPlein();
+  std::string Tampon;
   bool Premier = true;
 };
 
