@@ -7,5 +7,7 @@ namespace rqcli {
 void AjouteCommandesDate(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesCatalogue(CLI::App& app, TContexteCli& ctx);
+void AjouteCommandesNotes(CLI::App& app, TContexteCli& ctx);
+void AjouteCommandesLieux(CLI::App& app, TContexteCli& ctx);
 
 }  // namespace rqcli

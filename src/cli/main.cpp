@@ -88,6 +88,8 @@ int main(int argc, char** argv) {
   AjouteCommandesDate(app, ctx);
   AjouteCommandesCatalogue(app, ctx);
   AjouteCommandesDossier(app, ctx);
+  AjouteCommandesNotes(app, ctx);
+  AjouteCommandesLieux(app, ctx);
 
   FranciseSousCommandes(app);
 

@@ -13,6 +13,8 @@
 #include <filesystem>
 
 #include "rqbase/fields/def_chps_cs.h"
+#include "rqbase/notes/fic_notes.h"
+#include "rqbase/places/gestduplicat.h"
 #include "rqbase/platform/attributs.h"
 #include "rqbase/platform/chemins.h"
 #include "rqbase/platform/cp1252.h"
@@ -152,11 +154,15 @@ void TGestFichier::OuvrirFichier(bool a, bool b) {
 
 void TGestFichier::AjouteObjets(bool sansTest) {
   auto peut = [&] { return sansTest || !Erreur; };
-  // Place des chaînes partagées .qua, .par, .lie (types 1, 3, 5) et de TFicIllustrations.
+  // Les chaînes partagées .qua, .par, .lie (types 1, 3, 5) ; place de TFicIllustrations.
+  if (peut()) Qua = std::make_unique<TFicDupli>(this, tfQua, false);
+  if (peut()) Par = std::make_unique<TFicDupli>(this, tfPar, false);
+  if (peut()) Lie = std::make_unique<TFicDupli>(this, tfLie, false);
   if (peut()) ExtPersons = std::make_unique<TFicExtPersons>(this, false);
   // Places, dans l'ordre : TFicSources, TFicChpsSimple, TFicExtEvens, TFicEvens (façades
-  // de la base), TFicSosas, TFicNotes, TFicIndexPerson, TFicNoticesPat, le catalogue
-  // TDefChpsCs et les équivalences de noms TTabNomEquiv.
+  // de la base), TFicSosas ; puis les notes ; puis places de TFicIndexPerson,
+  // TFicNoticesPat, le catalogue TDefChpsCs et les équivalences de noms TTabNomEquiv.
+  if (peut()) Notes = std::make_unique<TFicNotes>(this, false);
   if (peut()) DefChpsCs = std::make_unique<TDefChpsCs>(this, false);
 }
 
@@ -239,11 +245,15 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
   BDD->CreateDataBase();
   BDD->OpenDataBase();
   Persons = std::make_unique<TFicPersons>(this, true);
-  // Places des chaînes partagées 1, 3, 5 et de TFicIllustrations.
+  Qua = std::make_unique<TFicDupli>(this, tfQua, true);
+  Par = std::make_unique<TFicDupli>(this, tfPar, true);
+  Lie = std::make_unique<TFicDupli>(this, tfLie, true);
+  // Place de TFicIllustrations.
   ExtPersons = std::make_unique<TFicExtPersons>(this, true);
   PersSuppr = std::make_unique<TFicPersSuppr>(this, true);
-  // Places de TFicSources, TFicChpsSimple, TFicExtEvens, TFicEvens, TFicSosas, TFicNotes,
-  // TFicIndexPerson, TFicNoticesPat, TDefChpsCs, TTabNomEquiv.
+  // Places de TFicSources, TFicChpsSimple, TFicExtEvens, TFicEvens, TFicSosas ; les notes ;
+  // places de TFicIndexPerson, TFicNoticesPat, TDefChpsCs, TTabNomEquiv.
+  Notes = std::make_unique<TFicNotes>(this, true);
   DefChpsCs = std::make_unique<TDefChpsCs>(this, true);
   Xml = std::make_unique<TFicXml>(this, true);
   // L'identifiant se calcule sur le chemin que le dossier aura, pas sur celui de l'écart.
@@ -273,23 +283,33 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
 void TGestFichier::FermerFichiers() {
   BDD.reset();  // la base d'abord
   Persons.reset();
+  Qua.reset();
+  Par.reset();
+  Lie.reset();
   ExtPersons.reset();
   PersSuppr.reset();
+  Notes.reset();
   DefChpsCs.reset();
   Xml.reset();
 }
 
 void TGestFichier::EcritureEntete() {
   if (Persons) Persons->EcritureEntete();
+  for (TFicDupli* f : {Qua.get(), Par.get(), Lie.get()})
+    if (f) f->EcritureEntete();
   if (ExtPersons) ExtPersons->EcritureEntete();
   if (PersSuppr) PersSuppr->EcritureEntete();
+  if (Notes) Notes->EcritureEntete();
   Flush();
 }
 
 void TGestFichier::Flush() {
   if (Persons) Persons->Flush();
+  for (TFicDupli* f : {Qua.get(), Par.get(), Lie.get()})
+    if (f) f->Flush();
   if (ExtPersons) ExtPersons->Flush();
   if (PersSuppr) PersSuppr->Flush();
+  if (Notes) Notes->Flush();
 }
 
 long TGestFichier::NombrePersonnes() const {

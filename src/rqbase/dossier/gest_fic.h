@@ -26,6 +26,8 @@
 namespace rqbase {
 
 class TDefChpsCs;
+class TFicNotes;
+class TFicDupli;
 
 // 0 : un ancien dossier reste tel quel, en lecture seule ; 1 : le formulaire de
 // conversion est proposé ; 2 : un ancien dossier s'ouvre sans protection.
@@ -108,6 +110,12 @@ class TGestFichier : public TContexteDossier {
   TFicPersSuppr* FicPersSuppr() const override { return PersSuppr.get(); }
   TFicXml* FicXml() const override { return Xml.get(); }
   TModuleBDD* ModuleBDD() const override { return BDD.get(); }
+  // Le fichier des notes (.not) ; nul tant qu'il n'est pas ouvert.
+  TFicNotes* FicNotes() const { return Notes.get(); }
+  // Les chaînes partagées : qualités (.qua), liens de parenté (.par), lieux (.lie).
+  TFicDupli* FicQua() const { return Qua.get(); }
+  TFicDupli* FicPar() const { return Par.get(); }
+  TFicDupli* FicLie() const { return Lie.get(); }
   // Le catalogue des champs ; nul tant qu'il n'est pas ouvert.
   TDefChpsCs* GetDefChpsCs() const { return DefChpsCs.get(); }
 
@@ -126,10 +134,12 @@ class TGestFichier : public TContexteDossier {
 
   std::unique_ptr<TVerrou> Verrou;
   std::unique_ptr<TFicPersons> Persons;
+  std::unique_ptr<TFicDupli> Qua, Par, Lie;
   std::unique_ptr<TFicExtPersons> ExtPersons;
   std::unique_ptr<TFicPersSuppr> PersSuppr;
   std::unique_ptr<TFicXml> Xml;
   std::unique_ptr<TModuleBDD> BDD;
+  std::unique_ptr<TFicNotes> Notes;
   std::unique_ptr<TDefChpsCs> DefChpsCs;
 };
 

@@ -68,6 +68,12 @@ bool TFicEnregBase::EcritEnteteBrut(const void* enreg) {
 }
 
 void TFicEnregBase::LectureEntete() {
+  // Un fichier vide (créé à l'ouverture parce qu'il manquait, ou vidé) n'a encore rien
+  // donné : compte nul, sans lever le drapeau qui arrêterait tout le dossier.
+  if (Handle && Handle->Taille() == 0) {
+    Nombre = NombreSurDisque = 0;
+    return;
+  }
   std::unique_ptr<unsigned char[]> enreg(new unsigned char[Taille]());
   LitEnregistrement(Gestion, Handle.get(), -2, enreg.get(), Taille);
   int32_t compte = 0;
