@@ -38,7 +38,9 @@ std::string ArgTexte(const std::string& utf8, const std::string& quoi) {
       std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(c));
       std::string sujet = quoi;
       if (!sujet.empty()) sujet[0] = static_cast<char>(rqbase::MajusculeCp1252(static_cast<unsigned char>(sujet[0])));
-      throw rqbase::ERqBase(sujet + " contient un caractère de contrôle (" + code + ") : rien n'a été enregistré.");
+      // « les prénoms contiennent », « le nom contient ».
+      const char* verbe = sujet.rfind("Les ", 0) == 0 ? " contiennent" : " contient";
+      throw rqbase::ERqBase(sujet + verbe + " un caractère de contrôle (" + code + ") : rien n'a été enregistré.");
     }
   }
   return texte;

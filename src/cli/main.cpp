@@ -51,7 +51,13 @@ std::string MessageAnalyse(const CLI::ParseError& e) {
   if (dynamic_cast<const CLI::ExtrasError*>(&e)) return "argument inattendu : " + Detail(message);
   if (dynamic_cast<const CLI::ConversionError*>(&e)) return "valeur invalide : " + Detail(message);
   if (dynamic_cast<const CLI::ValidationError*>(&e)) return "valeur refusée : " + Detail(message);
-  if (dynamic_cast<const CLI::ArgumentMismatch*>(&e)) return "nombre d'arguments incorrect : " + Detail(message);
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&e)) {
+    // « --champ: 1 required TEXT missing » : l'option est nommée avant les deux-points.
+    const size_t deuxPoints = message.find(':');
+    if (message.find("missing") != std::string::npos && deuxPoints != std::string::npos)
+      return "il manque la valeur de l'option " + message.substr(0, deuxPoints);
+    return "nombre d'arguments incorrect : " + Detail(message);
+  }
   return "ligne de commande incorrecte (" + message + ")";
 }
 

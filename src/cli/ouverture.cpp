@@ -56,7 +56,13 @@ bool DossierEnLectureSeule(const std::string& prs) {
 
 std::unique_ptr<TGestFichier> Ouvre(const std::string& nom, bool lectureSeule) {
   const std::string prs = CheminPrs(Arg(nom));
-  if (!rqbase::FichierExiste(prs)) throw ERqBase("Le dossier \"" + Arg(nom) + "\" est introuvable.");
+  if (!rqbase::FichierExiste(prs)) {
+    std::error_code ec;
+    if (fs::exists(fs::symlink_status(rqbase::CheminOs(prs), ec)))
+      throw ERqBase("Le fichier des personnes du dossier \"" + Arg(nom) +
+                    "\" n'est pas un fichier ordinaire (lien symbolique, tube...) : le dossier ne peut pas être ouvert.");
+    throw ERqBase("Le dossier \"" + Arg(nom) + "\" est introuvable.");
+  }
   // Tout se vérifie avant d'ouvrir en écriture : une commande refusée ne change rien.
   if (!lectureSeule && DossierEnLectureSeule(prs))
     throw ERqBase("Le dossier \"" + Arg(nom) + "\" est en lecture seule : rien n'a été changé.");
@@ -74,7 +80,8 @@ std::unique_ptr<TGestFichier> Ouvre(const std::string& nom, bool lectureSeule) {
 // Après une écriture : ce qui n'est pas sur le disque ne se dit pas fait.
 void VerifieEcriture(const TGestFichier& gest, const std::string& quoi) {
   if (gest.EcritureRatee() || gest.EnErreur())
-    throw ERqBase("L'écriture dans le dossier a échoué (disque plein ou erreur du disque) : " + quoi);
+    throw ERqBase("L'écriture dans le dossier a échoué (disque plein, erreur du disque, ou fichier du dossier qui n'a pas pu "
+                  "s'ouvrir) : " + quoi);
 }
 
 }  // namespace rqcli

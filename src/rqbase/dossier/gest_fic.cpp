@@ -135,7 +135,9 @@ void TGestFichier::OuvrirFichier(bool a, bool b) {
   IdGenea = Xml->LectureValeur("LienIdPers", "IdGenea");
   if (IdGenea.empty() || !FichierExiste(FabriqueNomFichier(tfLienIdCpt))) {
     GenereIdGenea();
-    Xml->EcritureValeur("LienIdPers", "IdGenea", IdGenea);
+    if (!Xml->EcritureValeur("LienIdPers", "IdGenea", IdGenea) && EcritureRatee())
+      Message = "L'identifiant du dossier n'a pas pu être écrit dans \"" + FabriqueNomFichier(tfXin) +
+                "\" (lien symbolique, fichier spécial ou disque plein) : le dossier ne peut pas être ouvert en écriture.";
   }
 
   // 3. La base relationnelle.

@@ -34,6 +34,17 @@ void Coupe(const char* texte, std::string& avant, std::string& apres) {
   apres = pv + 1;
 }
 
+// L'enregistrement du fichier dans l'élément : chaque texte coupé à sa taille de fichier.
+void DecodeEnreg(TEnregDupli e, long numero, TEltDupChn& elt) {
+  e.Ville[50] = e.Code[10] = e.Pays[50] = 0;
+  std::memcpy(elt.Ville, e.Ville, sizeof e.Ville);
+  std::memcpy(elt.Code, e.Code, sizeof e.Code);
+  std::memcpy(elt.Pays, e.Pays, sizeof e.Pays);
+  elt.Etat = e.Etat;
+  elt.NoFiche = static_cast<int32_t>(numero);
+  elt.CalcMaj();
+}
+
 int CompareOctets(const char* a, const char* b) {
   const int d = std::strcmp(a, b);
   return d < 0 ? -1 : d > 0 ? 1 : 0;
@@ -177,13 +188,7 @@ void TFicheDupli::Lecture(long numero) {
   TEnregDupli e{};
   if (!Fic->LitEnreg(Numero, &e) && Fic->Gest() && Fic->Gest()->EnErreur()) Fic->Gest()->FixeGenreErreur(1);
   // L'élément se décode du tampon quoi qu'il arrive : après un échec, il sort vide.
-  e.Ville[50] = e.Code[10] = e.Pays[50] = 0;
-  std::memcpy(Elt.Ville, e.Ville, sizeof e.Ville);
-  std::memcpy(Elt.Code, e.Code, sizeof e.Code);
-  std::memcpy(Elt.Pays, e.Pays, sizeof e.Pays);
-  Elt.Etat = e.Etat;
-  Elt.NoFiche = static_cast<int32_t>(Numero);
-  Elt.CalcMaj();
+  DecodeEnreg(e, Numero, Elt);
 }
 
 void TFicheDupli::LectureMemoire(long numero) {
@@ -225,10 +230,21 @@ TFicDupli::TFicDupli(TContexteDossier* gest, TTypeFichier type, bool creation)
   Demarre(creation);
   CreationTable();
   if (!gest) return;
-  TFicheDupli fiche(this, 0, false);
+  // Tout le fichier d'une lecture (un lieu par enregistrement, cent mille et plus) : même
+  // résultat que Lecture de chaque numéro dans l'ordre du fichier, sans un appel système chacun.
+  std::vector<TEnregDupli> enregs(static_cast<size_t>(Nombre));
+  const int64_t octets = static_cast<int64_t>(enregs.size() * sizeof(TEnregDupli));
+  const int64_t lus = Handle && octets > 0 && !gest->EnErreur() ? Handle->LitA(sizeof(TEnregDupli), enregs.data(), static_cast<size_t>(octets)) : 0;
+  TEltDupChn elt;
   for (long no = 1; no <= Nombre; ++no) {
-    fiche.Lecture(no);
-    TableElts->Ajoute(fiche.Elt);
+    const TEnregDupli& e = enregs[static_cast<size_t>(no - 1)];
+    if (lus >= no * static_cast<int64_t>(sizeof(TEnregDupli)))
+      DecodeEnreg(e, no, elt);
+    else {
+      TFicheDupli fiche(this, no, false);  // la fin manque : la lecture ordinaire en décide
+      elt = fiche.Elt;
+    }
+    TableElts->Ajoute(elt);
   }
   TEltDupChn a, b;
   TableElts->Classement(a, b);

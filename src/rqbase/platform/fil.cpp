@@ -5,6 +5,10 @@
 
 namespace rqbase {
 
-uint32_t IdThreadCourant() { return static_cast<uint32_t>(::syscall(SYS_gettid)); }
+uint32_t IdThreadCourant() {
+  // Demandé à chaque lecture d'une personne : l'appel système une fois par fil suffit.
+  thread_local const uint32_t id = static_cast<uint32_t>(::syscall(SYS_gettid));
+  return id;
+}
 
 }  // namespace rqbase

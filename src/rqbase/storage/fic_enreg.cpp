@@ -62,6 +62,8 @@ void TFicEnregBase::EcritureEntete() {
 }
 
 bool TFicEnregBase::EcritEnteteBrut(const void* enreg) {
+  // Un fichier qui n'a pas pu s'ouvrir n'a pas d'en-tête à réécrire : il est passé.
+  if (!Handle) return false;
   if (!Gestion || !EcritEnregistrement(Gestion, Handle.get(), -2, enreg, Taille)) return false;
   NombreSurDisque = Nombre;
   return true;

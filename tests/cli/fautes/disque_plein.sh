@@ -48,7 +48,7 @@ numeros=$(wc -l <"$TRAVAIL/avant")
 note "ajout sur un disque plein (fichiers bornés à $kio Kio, le .prs en fait $taille octets)"
 sous_limite "$kio" ajouter-personne Famille --nom Plein --prenoms Coupé --sexe M
 [ "$code" = 1 ] || echoue "ajout sur disque plein : code $code au lieu de 1"
-grep -qF "L'écriture dans le dossier a échoué (disque plein ou erreur du disque) : la personne n'a pas été ajoutée." \
+grep -qF "L'écriture dans le dossier a échoué (disque plein, erreur du disque, ou fichier du dossier qui n'a pas pu s'ouvrir) : la personne n'a pas été ajoutée." \
   "$TRAVAIL/_erreur" || echoue "ajout sur disque plein : message [$(head -2 "$TRAVAIL/_erreur")]"
 [ ! -s "$TRAVAIL/_sortie" ] || echoue "ajout sur disque plein : un échec ne dit pas « ajoutée » : $(sortie)"
 apres=$(stat -c %s Famille.rq2/Famille.prs)
@@ -68,7 +68,7 @@ sous_limite 64 copier Famille Copie
 [ "$code" = 1 ] || echoue "copie sur disque plein : code $code au lieu de 1"
 grep -qF "a échoué" "$TRAVAIL/_erreur" || echoue "copie sur disque plein : message [$(head -2 "$TRAVAIL/_erreur")]"
 [ ! -e Copie.rq2 ] || echoue "copie sur disque plein : la cible est restée"
-[ -z "$(find . -maxdepth 1 -name '.rqcopie*')" ] || echoue "copie sur disque plein : la copie inachevée est restée"
+[ -z "$(find . -maxdepth 1 -name '.rq*c')" ] || echoue "copie sur disque plein : la copie inachevée est restée"
 
 note "création sur un disque plein"
 sous_limite 1 creer Neuf --premiere-personne

@@ -134,7 +134,7 @@ for ((r = 1; r <= tours; r++)); do
     rm -rf "C$r.rq2"
   fi
 done
-restes=$(find . -maxdepth 1 -name '.rqcopie*' | wc -l)
+restes=$(find . -maxdepth 1 -name '.rq*c' | wc -l)
 note "copies tuées : $completes cibles complètes, $restes copie(s) inachevée(s) laissée(s) à l'écart (cachées)"
 lance personnes Source
 diff -q "$TRAVAIL/reference" "$TRAVAIL/_sortie" >/dev/null || echoue "la source des copies a changé"
