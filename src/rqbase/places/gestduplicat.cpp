@@ -45,6 +45,23 @@ void DecodeEnreg(TEnregDupli e, long numero, TEltDupChn& elt) {
   elt.CalcMaj();
 }
 
+// Ce que l'index et le classement lisent d'un élément : son numéro et son état, sans ses
+// textes (les lire tous coûterait cent mille copies de plus à l'ouverture d'un fichier).
+class TNumeroEtat : public TEltBaseTV {
+ public:
+  char* Ecrit(char* p) const override { return p; }
+  void Lit(const char* p, long taille) override {
+    const char* fin = p + std::max<long>(taille, 0);
+    LitMemoire(&NoFiche, sizeof NoFiche, p, fin);
+    Etat = LitCar(p, fin);
+  }
+  int GetTaille() const override { return 5; }
+  int GetTailleMax() const override { return 5; }
+  int EltCmp(const TEltBaseTV&) const override { return 0; }
+  int32_t NoFiche = 0;
+  char Etat = 'N';
+};
+
 int CompareOctets(const char* a, const char* b) {
   const int d = std::strcmp(a, b);
   return d < 0 ? -1 : d > 0 ? 1 : 0;
@@ -145,7 +162,16 @@ void TEltDupChn::Lit(const char* p, long taille) {
     size_t Taille;
   } champs[] = {{Ville, sizeof Ville}, {Code, sizeof Code}, {Pays, sizeof Pays},
                 {VilleMaj, sizeof VilleMaj}, {CodeMaj, sizeof CodeMaj}, {PaysMaj, sizeof PaysMaj}};
-  for (const auto& c : champs) CopieCoupee(c.Champ, LitChn(p, fin).c_str(), c.Taille - 1);
+  for (const auto& c : champs) {
+    // Sans passer par une chaîne : le tri et l'ouverture relisent des millions d'éléments.
+    const auto* zero = static_cast<const char*>(std::memchr(p, 0, static_cast<size_t>(fin - p)));
+    const char* finTexte = zero ? zero : fin;
+    const size_t n = std::min(static_cast<size_t>(finTexte - p), c.Taille - 1);
+    std::memcpy(c.Champ, p, n);
+    c.Champ[n] = 0;
+    p = finTexte;
+    if (p < fin) ++p;  // le zéro final
+  }
 }
 
 int TEltDupChn::MultiChnCmp(const char* a, const char* b) {
@@ -316,7 +342,7 @@ long TFicDupli::Cherche(TEltDupChn* element, bool creation, int* position) {
 
 void TFicDupli::CalculIndex(int depuis) {
   if (Index.size() <= static_cast<size_t>(Nombre)) Index.resize(static_cast<size_t>(Nombre) + 1, 0);
-  TEltDupChn elt;
+  TNumeroEtat elt;
   for (long p = depuis; p < TableElts->GetNbElt() && p < Nombre; ++p) {
     TableElts->Lit(p, elt);
     if (elt.NoFiche > Nombre || elt.NoFiche < 0) {
@@ -341,10 +367,10 @@ void TFicDupli::CalculClassementSansSuppr(int depuis) {
   } else {
     SansSuppr.clear();
   }
-  TEltDupChn elt;
+  TNumeroEtat elt;
   for (long p = depuis; p < TableElts->GetNbElt(); ++p) {
     TableElts->Lit(p, elt);
-    if (!elt.IsFicheSupprimee()) SansSuppr.push_back(static_cast<int32_t>(p));
+    if (elt.Etat != 'O') SansSuppr.push_back(static_cast<int32_t>(p));
   }
 }
 

@@ -30,7 +30,7 @@ std::string DossierDe(const std::string& chemin) {
 }  // namespace
 
 bool RemplaceFichier(const std::string& chemin, const std::string& octets) {
-  if (TDisqueMemoire* disque = TDisqueMemoire::Installe()) {
+  if (TDisqueMemoire::Installe()) {
     auto f = TFichierBrut::Ouvre(chemin, TFichierBrut::TAcces::LectureEcriture, TFichierBrut::TDisposition::CreeOuRemplace);
     return f && f->EcritTout(0, octets.data(), octets.size());
   }
