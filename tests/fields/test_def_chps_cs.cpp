@@ -182,13 +182,28 @@ TEST_F(CatalogueTest, SymbolesDejaPresentsNeSontPasRemplaces) {
 TEST_F(CatalogueTest, FichierCoupeNImporteOuSOuvreSansCasse) {
   auto modele = Ouvre(true);
   const std::string complet = Relit();
+  const fs::path misDeCote = Dossier / "famille (endommag\xC3\xA9).dch";
+  int misesDeCote = 0;
   for (size_t coupe = 0; coupe <= complet.size(); coupe += 61) {
     Ecrit(complet.substr(0, coupe));
     auto cat = Ouvre(false);
     EXPECT_FALSE(cat->ErreurES());
     EXPECT_GE(cat->Count(), 14) << coupe;  // au moins les champs de mise à niveau
     EXPECT_LE(cat->Count(), 59 + 15) << coupe;
+    // Un fichier coupé n'est jamais perdu : mis de côté tel quel quand la lecture ne l'a
+    // pas pris en entier.
+    if (fs::exists(misDeCote)) {
+      ++misesDeCote;
+      std::ifstream f(misDeCote, std::ios::binary);
+      EXPECT_EQ(std::string(std::istreambuf_iterator<char>(f), {}), complet.substr(0, coupe)) << coupe;
+      EXPECT_FALSE(DecodeDch(complet.substr(0, coupe)).Entier()) << coupe;
+      fs::remove(misDeCote);
+    } else {
+      EXPECT_TRUE(DecodeDch(complet.substr(0, coupe)).Entier()) << coupe;
+    }
+    EXPECT_TRUE(DecodeDch(Relit()).Entier()) << coupe;
   }
+  EXPECT_GT(misesDeCote, 80);
 }
 
 TEST_F(CatalogueTest, CompteDeLignesIllisibleOuTropGrand) {

@@ -5,6 +5,7 @@
 
 #include "rqbase/fields/table_defaut.h"
 #include "rqbase/platform/cp1252.h"
+#include "rqbase/platform/dialogue.h"
 #include "rqbase/platform/journal.h"
 #include "rqbase/platform/ressources.h"
 #include "rqbase/storage/contexte_dossier.h"
@@ -57,6 +58,55 @@ void TDefChpsCs::Initialise() {
   Defaut(TypesIllustration, "Générale,Transcription");
 }
 
+namespace {
+
+constexpr const char* kTitreCatalogue = "Catalogue des champs";
+
+std::string NomSeul(const std::string& chemin) {
+  const size_t barre = chemin.find_last_of('/');
+  return barre == std::string::npos ? chemin : chemin.substr(barre + 1);
+}
+
+enum class TIssueAbime { Laisse, MisDeCote, Echec };
+
+// Un fichier catalogue que la lecture n'a pas pris en entier : celui du dossier est mis de
+// côté (sauf en lecture seule, où rien ne sera écrit) ; un modèle pris hors du dossier
+// n'est jamais touché. L'utilisateur est prévenu, et le journal le garde.
+TIssueAbime TraiteFichierAbime(TContexteDossier* fichier, const std::string& source, const std::string& dommage,
+                               bool modele) {
+  const std::string abime = "« " + NomSeul(source) + " » est abîmé (" + dommage + ")";
+  if (modele) {
+    const std::string texte = "Le modèle de catalogue " + abime + " : seule sa partie lisible est reprise, "
+                              "et il n'est pas modifié.";
+    AddLog(texte);
+    Dialogue().Information(texte, kTitreCatalogue);
+    return TIssueAbime::Laisse;
+  }
+  if (fichier && fichier->IsReadOnly()) {
+    const std::string texte = "Le catalogue des champs " + abime + ". Le dossier est en lecture seule : seule "
+                              "la partie lisible est montrée, et le fichier n'est pas modifié.";
+    AddLog(texte);
+    Dialogue().Information(texte, kTitreCatalogue);
+    return TIssueAbime::Laisse;
+  }
+  const std::string misDeCote = MetDeCoteDch(source);
+  if (misDeCote.empty()) {
+    const std::string texte = "Le catalogue des champs " + abime + " et n'a pas pu être mis de côté : il n'est "
+                              "pas modifié, et le dossier ne peut pas être utilisé tel quel.";
+    AddLog(texte);
+    Dialogue().Erreur(texte, kTitreCatalogue);
+    return TIssueAbime::Echec;
+  }
+  const std::string texte = "Le catalogue des champs " + abime + ". Il a été mis de côté sous le nom « " +
+                            NomSeul(misDeCote) + " », et le catalogue du dossier est refait de ce qui a pu "
+                            "en être lu.";
+  AddLog(texte);
+  Dialogue().Information(texte, kTitreCatalogue);
+  return TIssueAbime::MisDeCote;
+}
+
+}  // namespace
+
 void TDefChpsCs::Construit(bool nouveau) {
   Initialise();
   std::string source = Chemin;
@@ -77,8 +127,21 @@ void TDefChpsCs::Construit(bool nouveau) {
       AddLog("Catalogue des champs illisible : " + source);
       return;
     }
-    // Un dossier neuf pris sur un modèle reçoit tout de suite son propre fichier.
-    change = Charge(c, !nouveau) || depuisModele;
+    // Un fichier que la lecture n'a pas pris en entier est mis de côté avant que rien ne
+    // soit écrit par-dessus ; le catalogue est refait de ce qui a pu être lu. S'il ne peut
+    // être mis de côté, plus rien n'est écrit (Sauvegarde refuse après une erreur).
+    bool misDeCote = false;
+    if (!c.Entier()) {
+      const TIssueAbime issue = TraiteFichierAbime(Fichier, source, c.Dommage, depuisModele);
+      if (issue == TIssueAbime::Echec) {
+        ErreurEntreeSortie = true;
+        if (Fichier) Fichier->FixeErreur(true);
+      }
+      misDeCote = issue == TIssueAbime::MisDeCote;
+    }
+    // Un dossier neuf pris sur un modèle reçoit tout de suite son propre fichier, de même
+    // qu'un dossier dont le fichier abîmé vient d'être mis de côté.
+    change = Charge(c, !nouveau) || depuisModele || misDeCote;
   } else {
     RemplitDefaut();
     if (!Sauvegarde()) return;
@@ -312,6 +375,10 @@ bool TDefChpsCs::Sauvegarde() {
   // Un dossier en lecture seule ne change pas sur le disque : le catalogue mis à
   // niveau ne vit qu'en mémoire.
   if (Fichier && Fichier->IsReadOnly()) return true;
+  // Après une erreur d'entrée-sortie du catalogue (lecture ou écriture ratée, fichier abîmé
+  // qui n'a pas pu être mis de côté), le fichier sur le disque est peut-être tout ce qui
+  // reste du catalogue de l'utilisateur : rien ne l'écrase.
+  if (ErreurEntreeSortie) return false;
   if (Chemin.empty() || !EcritFichierDch(Chemin, ContenuFichier())) {
     ErreurEntreeSortie = true;
     if (Fichier) Fichier->FixeErreur(true);

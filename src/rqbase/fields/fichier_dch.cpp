@@ -1,33 +1,99 @@
 #include "rqbase/fields/fichier_dch.h"
 
 #include <charconv>
-#include <filesystem>
+#include <string_view>
 
-#include "rqbase/platform/chemins.h"
+#include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/fichier.h"
+#include "rqbase/platform/remplacement.h"
 #include "rqbase/util/chaines.h"
 #include "rqbase/util/liste_chaines.h"
 
 namespace rqbase {
 
-TContenuDch DecodeDch(const std::string& texte) {
+namespace {
+
+constexpr std::string_view kMarqueUtf8 = "\xEF\xBB\xBF";
+
+void Signale(TContenuDch& c, const std::string& raison) {
+  if (c.Dommage.empty()) c.Dommage = raison;
+}
+
+// Ôte les octets de contrôle (hors TAB, CR, LF) : un catalogue n'en porte jamais, et le
+// catalogue réécrit ne doit pas les garder (il serait de nouveau tenu pour abîmé).
+// Rend le numéro de la ligne du premier, 0 s'il n'y en a pas.
+size_t OteOctetsControle(std::string& texte) {
+  size_t ligne = 1, premier = 0, j = 0;
+  for (const char ch : texte) {
+    const auto o = static_cast<unsigned char>(ch);
+    if (o == '\n') ++ligne;
+    if (o < 0x20 && o != '\t' && o != '\r' && o != '\n') {
+      if (premier == 0) premier = ligne;
+      continue;
+    }
+    texte[j++] = ch;
+  }
+  texte.resize(j);
+  return premier;
+}
+
+// Les lignes non blanches que la lecture laisse à partir de `pos`.
+size_t LignesNonLues(const std::vector<std::string>& lignes, size_t pos) {
+  size_t n = 0;
+  for (size_t i = pos; i < lignes.size(); ++i)
+    if (!Trim(lignes[i]).empty()) ++n;
+  return n;
+}
+
+void SignaleNonLues(TContenuDch& c, const std::vector<std::string>& lignes, size_t pos) {
+  if (const size_t n = LignesNonLues(lignes, pos))
+    Signale(c, std::to_string(n) + (n == 1 ? " ligne non lue" : " lignes non lues") + " en fin de fichier");
+}
+
+}  // namespace
+
+TContenuDch DecodeDch(const std::string& brut) {
   TContenuDch c;
+  std::string texte;
+  if (std::string_view(brut).substr(0, kMarqueUtf8.size()) == kMarqueUtf8) {
+    c.Utf8 = true;
+    const std::string_view suite = std::string_view(brut).substr(kMarqueUtf8.size());
+    if (!EstUtf8Valide(suite))
+      Signale(c, "texte UTF-8 mal formé");
+    else if (PremierCaractereSansEquivalent(suite) != 0)
+      Signale(c, "caractères sans équivalent en Windows-1252");
+    texte = DepuisUtf8(suite);
+  } else {
+    texte = brut;
+  }
+  if (const size_t ligne = OteOctetsControle(texte))
+    Signale(c, "octet de contrôle à la ligne " + std::to_string(ligne));
+
   TStringList liste;
   liste.SetText(texte);
   const auto& lignes = liste.Lignes();
-  if (lignes.empty()) return c;
+  if (lignes.empty()) {
+    Signale(c, "fichier vide");
+    return c;
+  }
 
   const std::string compte = Trim(lignes[0]);
   long nb = -1;
   const auto [fin, ec] = std::from_chars(compte.data(), compte.data() + compte.size(), nb);
   // Un compte illisible arrête la lecture à zéro champ : le reste n'est pas lu non plus.
-  if (compte.empty() || ec != std::errc() || fin != compte.data() + compte.size() || nb < 0) return c;
+  if (compte.empty() || ec != std::errc() || fin != compte.data() + compte.size() || nb < 0) {
+    Signale(c, "nombre de champs illisible");
+    return c;
+  }
 
   size_t pos = 1;
   while (nb > 0 && pos < lignes.size()) {
     c.Champs.push_back(lignes[pos++]);
     --nb;
   }
+  if (nb > 0)
+    Signale(c, std::to_string(c.Champs.size() + size_t(nb)) + " champs annoncés, " +
+                   std::to_string(c.Champs.size()) + " présents");
   c.EquivProfession.Rest(lignes, pos);
   c.EquivNaissance.Rest(lignes, pos);
   c.EquivDeces.Rest(lignes, pos);
@@ -37,11 +103,13 @@ TContenuDch DecodeDch(const std::string& texte) {
   c.EquivResidence.Rest(lignes, pos);
   if (pos >= lignes.size() || lignes[pos] != kMarqueDch2020) {
     c.Ancien = true;
+    SignaleNonLues(c, lignes, pos);
     return c;
   }
   ++pos;
   if (pos < lignes.size()) c.VersionChaine = lignes[pos++];
   if (pos < lignes.size()) c.TypesIllustration = lignes[pos++];
+  SignaleNonLues(c, lignes, pos);
   return c;
 }
 
@@ -87,33 +155,8 @@ bool LitFichierTexte(const std::string& chemin, std::string& texte) {
 }
 
 bool EcritFichierTexte(const std::string& chemin, const std::string& texte) {
-  // Écrit à côté puis renomme : un arrêt en cours d'écriture laisse l'ancien fichier entier.
-  const std::string provisoire = chemin + ".tmp";
-  {
-    auto f = TFichierBrut::Ouvre(provisoire, TFichierBrut::TAcces::LectureEcriture,
-                                 TFichierBrut::TDisposition::CreeOuRemplace, false);
-    if (!f) return false;
-    int64_t ecrits = 0;
-    const int64_t total = int64_t(texte.size());
-    while (ecrits < total) {
-      const int64_t n = f->EcritA(ecrits, texte.data() + ecrits, size_t(total - ecrits));
-      if (n <= 0) {
-        f.reset();
-        std::error_code ec;
-        std::filesystem::remove(CheminOs(provisoire), ec);
-        return false;
-      }
-      ecrits += n;
-    }
-    if (!f->Flush()) return false;
-  }
-  std::error_code ec;
-  std::filesystem::rename(CheminOs(provisoire), CheminOs(chemin), ec);
-  if (ec) {
-    std::filesystem::remove(CheminOs(provisoire), ec);
-    return false;
-  }
-  return true;
+  // Remplacé d'un bloc : un arrêt en cours d'écriture laisse l'ancien fichier entier.
+  return RemplaceFichier(chemin, texte);
 }
 
 bool LitFichierDch(const std::string& chemin, TContenuDch& contenu) {
@@ -124,7 +167,24 @@ bool LitFichierDch(const std::string& chemin, TContenuDch& contenu) {
 }
 
 bool EcritFichierDch(const std::string& chemin, const TContenuDch& contenu) {
-  return EcritFichierTexte(chemin, CodeDch(contenu));
+  return RemplaceFichier(chemin, CodeDch(contenu));
+}
+
+std::string NomMiseDeCoteDch(const std::string& chemin) {
+  const size_t barre = chemin.find_last_of('/');
+  const size_t point = chemin.find_last_of('.');
+  const bool avecExtension = point != std::string::npos && (barre == std::string::npos || point > barre);
+  const std::string base = avecExtension ? chemin.substr(0, point) : chemin;
+  const std::string extension = avecExtension ? chemin.substr(point) : std::string();
+  return NomLibre(base + " (endommagé)" + extension);
+}
+
+std::string MetDeCoteDch(const std::string& chemin) {
+  const std::string cible = NomMiseDeCoteDch(chemin);
+  if (!RenommeSansEcraser(chemin, cible)) return {};
+  const size_t barre = cible.find_last_of('/');
+  SynchroniseDossier(barre == std::string::npos ? std::string(".") : cible.substr(0, barre));
+  return cible;
 }
 
 }  // namespace rqbase
