@@ -1,6 +1,9 @@
 // TBufferisationArbChrono : chasse du plus petit numéro, rafraîchissement, lecture via le cache.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "dossier_essai.h"
 #include "rqbase/person/buffer_arb_chrono.h"
 #include "rqbase/dossier/gest_fic.h"
@@ -59,6 +62,128 @@ TEST_F(CacheTest, LectureViaLeCacheNeTouchePlusLeDisque) {
   EXPECT_STREQ(TPerson(Fic, 3, false, 0, true).Enreg.Nom, "NEUF");
   Fic->VideBufferPerson();
   EXPECT_STREQ(TPerson(Fic, 3, false, 0, true).Enreg.Nom, "IGNORE");
+}
+
+
+TEST_F(CacheTest, ChasseSurUneSuiteFixeAvecOublisEtRetours) {
+  TBufferisationArbChrono cache(Fic, 3);
+  auto contenu = [&] {
+    std::vector<long> v;
+    for (long no = -2; no <= 7; ++no)
+      if (cache.Contient(no)) v.push_back(no);
+    return v;
+  };
+  for (long no : {5, 1, 3}) cache.GetPerson(no, false);
+  cache.Delete(1);  // oublié : ce n'est plus lui qui partira
+  cache.GetPerson(4, false);
+  EXPECT_EQ(contenu(), (std::vector<long>{3, 4, 5}));
+  cache.GetPerson(2, false);  // plein : 3 part, puis 2 entre
+  EXPECT_EQ(contenu(), (std::vector<long>{2, 4, 5}));
+  cache.GetPerson(1, false);  // 1 revient : 2 part
+  EXPECT_EQ(contenu(), (std::vector<long>{1, 4, 5}));
+  cache.GetPerson(-2, false);  // l'en-tête est le plus petit numéro
+  EXPECT_EQ(contenu(), (std::vector<long>{-2, 4, 5}));
+  cache.GetPerson(0, false);
+  EXPECT_EQ(contenu(), (std::vector<long>{0, 4, 5}));
+  // Des centaines d'oublis et de retours du même numéro : la chasse reste la même.
+  for (int i = 0; i < 500; ++i) {
+    cache.Delete(4);
+    cache.GetPerson(4, false);
+  }
+  cache.GetPerson(6, false);
+  EXPECT_EQ(contenu(), (std::vector<long>{4, 5, 6}));
+  cache.GetPerson(7, false);
+  EXPECT_EQ(contenu(), (std::vector<long>{5, 6, 7}));
+  EXPECT_EQ(cache.Taille(), 3u);
+  // Une personne donnée au cache : plein, le plus petit part d'abord, même si c'est elle.
+  cache.AjoutePersonne(new TPerson(Fic, 3));
+  EXPECT_EQ(contenu(), (std::vector<long>{3, 6, 7}));
+  cache.AjoutePersonne(new TPerson(Fic, 1));
+  EXPECT_EQ(contenu(), (std::vector<long>{1, 6, 7}));
+}
+
+TEST_F(CacheTest, PlaceRepriseSeLitCommeUnePersonneNeuve) {
+  TBufferisationArbChrono cache(Fic, 2);
+  TPerson* un = cache.GetPerson(1, false);
+  // Le double reçoit des rappels et un refus de rafraîchissement par Update.
+  TPerson p(Fic, 1);
+  int appels = 0;
+  p.OnSupprPere = [&](TPerson&) { ++appels; };
+  p.MajBuffer = false;
+  ASSERT_EQ(cache.Update(p, true), un);
+  EXPECT_FALSE(un->MajBuffer);
+  EXPECT_EQ(cache.GetPerson(2, false), cache.GetPerson(2, false));  // trouvé : le même objet
+  EXPECT_EQ(cache.GetPerson(1, false), un);
+  // 3 chasse 1 : la place de 1 sert à 3, sans rien garder de 1.
+  TPerson* trois = cache.GetPerson(3, false);
+  EXPECT_FALSE(cache.Contient(1));
+  EXPECT_EQ(trois->No(), 3);
+  EXPECT_STREQ(trois->Enreg.Nom, "NOM3");
+  EXPECT_TRUE(trois->MajBuffer);
+  EXPECT_FALSE(trois->OnSupprPere);
+  // Une lecture de toutes les personnes par un cache d'une place donne chaque fiche.
+  TBufferisationArbChrono petit(Fic, 1);
+  for (long no : {5, 6, 4, 2, 3, 5, 0})
+    EXPECT_STREQ(petit.GetPerson(no, false)->Enreg.Nom, no == 0 ? "" : ("NOM" + std::to_string(no)).c_str()) << no;
+  EXPECT_EQ(appels, 0);
+}
+
+TEST_F(CacheTest, ParcoursMontantEtDescendantDeDeuxCentsNumeros) {
+  // Au-delà du compte du fichier, les numéros se lisent vides : seule la chasse compte ici.
+  auto present = [](const TBufferisationArbChrono& c, long de, long a) {
+    for (long no = de; no <= a; ++no)
+      if (!c.Contient(no)) return false;
+    return true;
+  };
+  auto absent = [](const TBufferisationArbChrono& c, long de, long a) {
+    for (long no = de; no <= a; ++no)
+      if (c.Contient(no)) return false;
+    return true;
+  };
+  TBufferisationArbChrono montant(Fic, 50);
+  for (long no = 1; no <= 200; ++no) montant.GetPerson(no, false);
+  EXPECT_TRUE(absent(montant, 1, 150));
+  EXPECT_TRUE(present(montant, 151, 200));
+  // Descendant : chaque numéro chasse le précédent, plus petit que tous les autres.
+  TBufferisationArbChrono descendant(Fic, 50);
+  for (long no = 200; no >= 1; --no) descendant.GetPerson(no, false);
+  EXPECT_TRUE(present(descendant, 1, 1));
+  EXPECT_TRUE(absent(descendant, 2, 151));
+  EXPECT_TRUE(present(descendant, 152, 200));
+  EXPECT_EQ(descendant.Taille(), 50u);
+  // Un numéro sur deux oublié, puis les autres : l'index se vide sans en perdre un.
+  for (long no = 152; no <= 200; no += 2) descendant.Delete(no);
+  EXPECT_TRUE(present(descendant, 153, 153) && present(descendant, 199, 199));
+  EXPECT_TRUE(absent(descendant, 152, 152) && absent(descendant, 200, 200));
+  for (long no = 1; no <= 200; ++no) descendant.Delete(no);
+  EXPECT_EQ(descendant.Taille(), 0u);
+  EXPECT_TRUE(absent(descendant, -2, 300));
+  for (long no = 300; no > 250; --no) descendant.GetPerson(no, false);
+  EXPECT_TRUE(present(descendant, 251, 300));
+  EXPECT_EQ(descendant.GetPerson(4, false)->No(), 4);
+  EXPECT_TRUE(absent(descendant, 251, 251) && present(descendant, 252, 300));
+}
+
+TEST_F(CacheTest, NumerosEparsLusDansLOrdreLesPlusGrandsRestent) {
+  // 3 000 numéros épars (pas de 7 919 modulo 100 003), lus du plus petit au plus grand par
+  // un cache de 1 000 places : restent exactement les 1 000 plus grands, même quand leurs
+  // cases de l'index se touchent.
+  std::vector<long> numeros;
+  for (long i = 1; i <= 3000; ++i) numeros.push_back(i * 7919 % 100003);
+  std::sort(numeros.begin(), numeros.end());
+  TBufferisationArbChrono cache(Fic, 1000);
+  for (long no : numeros) cache.GetPerson(no, false);
+  EXPECT_EQ(cache.Taille(), 1000u);
+  size_t presents = 0;
+  for (size_t i = 0; i < numeros.size(); ++i) {
+    EXPECT_EQ(cache.Contient(numeros[i]), i >= 2000) << numeros[i];
+    presents += cache.Contient(numeros[i]);
+  }
+  EXPECT_EQ(presents, 1000u);
+  // Chaque numéro présent rend son objet, sans relecture.
+  TPerson* p = cache.GetPerson(numeros.back(), false);
+  EXPECT_EQ(cache.GetPerson(numeros.back(), false), p);
+  EXPECT_EQ(p->No(), numeros.back());
 }
 
 }  // namespace

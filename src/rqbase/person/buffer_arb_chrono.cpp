@@ -1,42 +1,193 @@
-// TBufferisationArbChrono : table ordonnée, chasse du plus petit numéro.
+// TBufferisationArbChrono : index plat des numéros, tas du plus petit numéro pour la chasse,
+// places des personnes chassées reprises par les suivantes.
 #include "rqbase/person/buffer_arb_chrono.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace rqbase {
+
+namespace {
+
+// Une place reprise sert comme une personne neuve : ni rappels ni refus de
+// rafraîchissement hérités de la personne chassée (Update les lui avait recopiés).
+void Reinitialise(TPerson& p) {
+  p.MajBuffer = true;
+  for (TPerson::TRappel* r : {&p.OnMajDateModif, &p.OnSupprPere, &p.OnSupprMere, &p.OnSupprConjoint,
+                              &p.OnSupprEnfant, &p.OnSupprCitation, &p.OnRappel7, &p.OnSupprEvenCouple})
+    if (*r) *r = nullptr;
+}
+
+}  // namespace
+
+TBufferisationArbChrono::TBufferisationArbChrono(TFicPersons* fic, size_t capacite)
+    : Fic(fic), Capacite(std::max<size_t>(1, capacite)) {
+  size_t taille = 8;
+  int bits = 3;
+  while (taille < 2 * Capacite) {
+    taille *= 2;
+    ++bits;
+  }
+  Index.resize(taille);
+  Bits = bits;
+}
 
 TCachePersonnes& TBufferisationArbChrono::De(TFicPersons& fic) {
   if (!fic.Cache()) fic.InstalleCache(std::make_unique<TBufferisationArbChrono>(&fic));
   return *fic.Cache();
 }
 
+size_t TBufferisationArbChrono::Ideale(long no) const {
+  // Hachage de Fibonacci : des numéros qui se suivent tombent loin les uns des autres, et
+  // les suites de cases occupées restent courtes (un retrait n'en parcourt qu'une).
+  return size_t((uint64_t(no) * 0x9E3779B97F4A7C15ull) >> (64 - Bits));
+}
+
+int32_t TBufferisationArbChrono::Cherche(long no) const {
+  const size_t masque = Index.size() - 1;
+  for (size_t i = Ideale(no);; i = (i + 1) & masque) {
+    const TCase& c = Index[i];
+    if (c.Place == kAbsent) return kAbsent;
+    if (c.No == no) return c.Place;
+  }
+}
+
+void TBufferisationArbChrono::Insere(long no, int32_t place) {
+  const size_t masque = Index.size() - 1;
+  size_t i = Ideale(no);
+  while (Index[i].Place != kAbsent) i = (i + 1) & masque;
+  Index[i] = {no, place};
+  ++Nombre;
+}
+
+int32_t TBufferisationArbChrono::Retire(long no) {
+  const size_t masque = Index.size() - 1;
+  size_t i = Ideale(no);
+  while (Index[i].Place != kAbsent && Index[i].No != no) i = (i + 1) & masque;
+  const int32_t place = Index[i].Place;
+  if (place == kAbsent) return kAbsent;
+  // Retrait sans pierre tombale : chaque case qui suit remonte dans le trou si sa case
+  // idéale n'est pas entre le trou et elle.
+  for (size_t j = (i + 1) & masque; Index[j].Place != kAbsent; j = (j + 1) & masque) {
+    const size_t k = Ideale(Index[j].No);
+    const bool resteOuElleEst = i <= j ? (i < k && k <= j) : (i < k || k <= j);
+    if (resteOuElleEst) continue;
+    Index[i] = Index[j];
+    i = j;
+  }
+  Index[i].Place = kAbsent;
+  --Nombre;
+  return place;
+}
+
+int32_t TBufferisationArbChrono::ChassePlusPetit() {
+  while (!Tas.empty()) {
+    std::pop_heap(Tas.begin(), Tas.end(), std::greater<long>());
+    const long no = Tas.back();
+    Tas.pop_back();
+    // Un numéro oublié entre-temps est passé. Tout numéro présent est dans le tas : le
+    // premier présent qui en sort est donc le plus petit des présents.
+    if (const int32_t place = Retire(no); place != kAbsent) return place;
+  }
+  return kAbsent;
+}
+
+int32_t TBufferisationArbChrono::PlaceLibre() {
+  if (Libres.empty()) return kAbsent;
+  const int32_t place = Libres.back();
+  Libres.pop_back();
+  return place;
+}
+
+void TBufferisationArbChrono::NoteNumero(long no) {
+  if (Tas.size() >= 2 * Capacite + 16) {
+    // Trop de numéros oubliés encombrent le tas : il est refait des seuls présents, `no`
+    // compris (il vient d'entrer dans l'index).
+    Tas.clear();
+    for (const TCase& c : Index)
+      if (c.Place != kAbsent) Tas.push_back(c.No);
+    std::make_heap(Tas.begin(), Tas.end(), std::greater<long>());
+    return;
+  }
+  Tas.push_back(no);
+  std::push_heap(Tas.begin(), Tas.end(), std::greater<long>());
+}
+
 TPerson* TBufferisationArbChrono::GetPerson(long no, bool complement) {
   if (no < 0 && no != -2) no = 0;
-  auto it = Personnes.find(no);
-  if (it != Personnes.end()) {
+  if (const int32_t place = Cherche(no); place != kAbsent) {
     // Place de LectureComplementaire quand le complément est demandé.
-    return it->second.get();
+    return Places[size_t(place)].get();
   }
-  auto* personne = new TPerson(Fic, no, complement, 0, false);
-  AjoutePersonne(personne);
-  return personne;
+  // Plein : le plus petit numéro part, et sa place reçoit la personne lue.
+  const int32_t reprise = Nombre >= Capacite ? ChassePlusPetit() : PlaceLibre();
+  TPerson* p = reprise == kAbsent ? nullptr : Places[size_t(reprise)].get();
+  try {
+    if (p && p->Fic() == Fic) {
+      Reinitialise(*p);
+      // Ce que ferait TPerson(Fic, no, complement, 0, false), dans l'objet en place.
+      if (no > 0 || no == -2)
+        p->Lecture(no, complement, 0, false);
+      else
+        p->NouvelleFiche(0);
+    } else {
+      auto neuve = std::make_unique<TPerson>(Fic, no, complement, 0, false);
+      p = neuve.get();
+      if (reprise == kAbsent)
+        Places.push_back(std::move(neuve));
+      else
+        Places[size_t(reprise)] = std::move(neuve);
+    }
+  } catch (...) {
+    // La place reprise n'est à personne : elle resservira.
+    if (reprise != kAbsent) Libres.push_back(reprise);
+    throw;
+  }
+  Insere(no, reprise == kAbsent ? int32_t(Places.size() - 1) : reprise);
+  NoteNumero(no);
+  return p;
 }
 
 void TBufferisationArbChrono::AjoutePersonne(TPerson* personne) {
   std::unique_ptr<TPerson> possedee(personne);
   // Voulu : c'est le plus petit numéro qui part, pas le moins récemment lu.
-  if (Personnes.size() >= Capacite) Personnes.erase(Personnes.begin());
-  Personnes[personne->No()] = std::move(possedee);
+  if (Nombre >= Capacite)
+    if (const int32_t place = ChassePlusPetit(); place != kAbsent) Libres.push_back(place);
+  const long no = personne->No();
+  if (const int32_t place = Cherche(no); place != kAbsent) {
+    Places[size_t(place)] = std::move(possedee);
+    return;
+  }
+  int32_t place = PlaceLibre();
+  if (place == kAbsent) {
+    Places.push_back(std::move(possedee));
+    place = int32_t(Places.size() - 1);
+  } else {
+    Places[size_t(place)] = std::move(possedee);
+  }
+  Insere(no, place);
+  NoteNumero(no);
 }
 
 TPerson* TBufferisationArbChrono::Update(const TPerson& personne, bool forcer) {
   if (!personne.MajBuffer && !forcer) return nullptr;
-  auto it = Personnes.find(personne.No());
-  if (it == Personnes.end()) return nullptr;
-  it->second->CopyPerson(personne);
-  return it->second.get();
+  const int32_t place = Cherche(personne.No());
+  if (place == kAbsent) return nullptr;
+  TPerson* p = Places[size_t(place)].get();
+  p->CopyPerson(personne);
+  return p;
 }
 
-void TBufferisationArbChrono::Delete(long no) { Personnes.erase(no); }
+void TBufferisationArbChrono::Delete(long no) {
+  if (const int32_t place = Retire(no); place != kAbsent) Libres.push_back(place);
+}
 
-void TBufferisationArbChrono::RazBuffers() { Personnes.clear(); }
+void TBufferisationArbChrono::RazBuffers() {
+  std::fill(Index.begin(), Index.end(), TCase());
+  Nombre = 0;
+  Places.clear();
+  Libres.clear();
+  Tas.clear();
+}
 
 }  // namespace rqbase

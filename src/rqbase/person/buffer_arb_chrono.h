@@ -1,13 +1,19 @@
 // TBufferisationArbChrono : le cache des personnes d'un dossier ouvert.
 //
-// Une table ordonnée numéro -> TPerson possédée, de 10 000 places. Plein, il chasse le
-// plus petit numéro avant d'en ajouter un, même si ce numéro vient d'être lu : le
-// plus petit, pas le plus ancien. Le cache appartient au TFicPersons du dossier et
-// sert le fil de ce dossier, sans verrou. Une personne trouvée ne coûte aucun accès disque.
+// Numéro -> TPerson possédée, 10 000 places. Plein, il chasse le plus petit numéro avant
+// d'en ajouter un, même si ce numéro vient d'être lu : le plus petit, pas le plus ancien.
+// Le cache appartient au TFicPersons du dossier et sert le fil de ce dossier, sans verrou.
+// Une personne trouvée ne coûte aucun accès disque.
+//
+// Une absence coûte la lecture du disque et presque rien d'autre : la personne chassée
+// prête sa place (son objet) à la suivante, et l'index est une table plate, si bien qu'un
+// parcours d'un million de numéros par le cache n'alloue rien une fois le cache plein. Le
+// pointeur rendu par GetPerson ou Update désigne la personne tant qu'elle reste dans le
+// cache ; chassée, sa place sert à une autre.
 #pragma once
-#include <algorithm>
-#include <map>
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "rqbase/person/gest_pers.h"
 
@@ -16,8 +22,7 @@ namespace rqbase {
 class TBufferisationArbChrono : public TCachePersonnes {
  public:
   // Au moins une place : GetPerson rend la personne qu'il vient d'ajouter.
-  explicit TBufferisationArbChrono(TFicPersons* fic, size_t capacite = TFicPersons::CapaciteCache)
-      : Fic(fic), Capacite(std::max<size_t>(1, capacite)) {}
+  explicit TBufferisationArbChrono(TFicPersons* fic, size_t capacite = TFicPersons::CapaciteCache);
 
   // Le cache du fichier, créé au premier appel ; vu par son interface.
   static TCachePersonnes& De(TFicPersons& fic);
@@ -25,7 +30,8 @@ class TBufferisationArbChrono : public TCachePersonnes {
   // La personne en cache, ou lue du disque (sans cache) et ajoutée. Un numéro négatif
   // autre que -2 vaut 0.
   TPerson* GetPerson(long no, bool complement) override;
-  // Plein : le plus petit numéro part d'abord. Le cache prend possession de `personne`.
+  // Plein : le plus petit numéro part d'abord. Le cache prend possession de `personne` ;
+  // un double du même numéro est remplacé.
   void AjoutePersonne(TPerson* personne);
   // Recopie `personne` sur son double ; nul si absent ou si le drapeau de la personne
   // l'interdit.
@@ -33,13 +39,40 @@ class TBufferisationArbChrono : public TCachePersonnes {
   void Delete(long no) override;
   void RazBuffers() override;
 
-  size_t Taille() const { return Personnes.size(); }
-  bool Contient(long no) const { return Personnes.count(no) != 0; }
+  size_t Taille() const { return Nombre; }
+  bool Contient(long no) const { return Cherche(no) != kAbsent; }
 
  private:
+  static constexpr int32_t kAbsent = -1;
+  // Une case de l'index : un numéro et sa place dans Places (kAbsent : case libre).
+  struct TCase {
+    long No = 0;
+    int32_t Place = kAbsent;
+  };
+
+  // L'index : adressage ouvert, sondage linéaire, au plus à moitié plein.
+  size_t Ideale(long no) const;
+  int32_t Cherche(long no) const;
+  void Insere(long no, int32_t place);
+  // Retire `no` de l'index ; rend sa place, ou kAbsent.
+  int32_t Retire(long no);
+  // Retire le plus petit numéro présent ; rend sa place (la personne y reste, pour resservir).
+  int32_t ChassePlusPetit();
+  // Une place libre (objet vide) ou kAbsent s'il faut en créer une.
+  int32_t PlaceLibre();
+  // Note `no` dans le tas des numéros (refait quand les numéros oubliés l'encombrent).
+  void NoteNumero(long no);
+
   TFicPersons* Fic;
   size_t Capacite;
-  std::map<long, std::unique_ptr<TPerson>> Personnes;
+  size_t Nombre = 0;
+  std::vector<TCase> Index;  // taille : puissance de deux, au moins deux fois la capacité
+  int Bits = 0;              // log2(taille de l'index)
+  std::vector<std::unique_ptr<TPerson>> Places;
+  std::vector<int32_t> Libres;  // places rendues par Delete, prêtes à resservir
+  // Tas (le plus petit en tête) des numéros ajoutés. Un numéro oublié (Delete) y reste
+  // jusqu'à ce qu'il remonte en tête : il est alors passé. Tout numéro présent y est.
+  std::vector<long> Tas;
 };
 
 }  // namespace rqbase
