@@ -25,6 +25,14 @@ printf '\n== Créer par-dessus un dossier existant ne change rien (réponse Non)
 etape "Suppression de la copie" --oui supprimer Archive
 ls
 
+etape "Un lieu partagé : le même texte garde son numéro" lieu ajouter Famille --commune Amiens --code 80 --region Picardie --pays France
+"$rqbase" lieu ajouter Famille --commune "Saint-Étienne" --code 42 --pays France
+"$rqbase" lieu ajouter Famille --commune Amiens --code 80 --region Picardie --pays France
+"$rqbase" qualite ajouter Famille --valeur Témoin >/dev/null
+etape "Les lieux dans l'ordre du fichier trié" --json lieu liste Famille
+printf '\n== Un texte que le dossier ne peut pas tenir est refusé, rien ne change\n'
+"$rqbase" ajouter-personne Famille --nom "Lefèvre 🌳" || echo "(code de sortie $?)"
+
 etape "Le catalogue des champs du dossier" catalogue Famille
 etape "Un champ en entier" catalogue Famille --champ NAISSANCE
 etape "Une date tapée comme un utilisateur" date analyser "3 mars 1802"
