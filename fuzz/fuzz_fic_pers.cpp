@@ -1,68 +1,85 @@
 // Harnais libFuzzer : un dossier dont le .prs, le .exp et le .psu viennent des octets
 // donnés s'ouvre et se lit en entier sans planter. Les octets sont partagés entre les
 // trois fichiers par les deux premiers octets (longueurs relatives).
-#include <unistd.h>
-
+//
+// Tout se passe sur un disque en mémoire : le dossier est réduit aux trois fichiers des
+// personnes, tenus par un contexte à lui, ouverts dans l'ordre du dossier complet
+// (personnes avec la réparation de l'en-tête, supprimés, débordements). Ancien dossier
+// modifiable : les réparations écrivent, en mémoire, comme elles écriraient sur le disque.
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include <memory>
 #include <string>
 
 #include "rqbase/person/gest_pers.h"
+#include "rqbase/platform/fichier_memoire.h"
+#include "rqbase/storage/contexte_dossier.h"
 #include "rqbase/storage/fic_ext_pers.h"
 #include "rqbase/storage/fic_pers_suppr.h"
-#include "rqbase/dossier/gest_fic.h"
+#include "rqbase/storage/gest_fic_pers.h"
 
 namespace {
 
-// La racine temporaire dans un tableau fixe : elle sert encore au nettoyage de sortie,
-// après la destruction des objets statiques.
-char gRacine[256];
+using namespace rqbase;
 
-std::string Dossier() {
-  if (gRacine[0] == 0) {
-    std::string modele = (std::filesystem::temp_directory_path() / "rqfuzzXXXXXX").string();
-    std::snprintf(gRacine, sizeof gRacine, "%s", ::mkdtemp(modele.data()));
-    std::filesystem::create_directories(std::string(gRacine) + "/F.rq2");
-    std::atexit([] {
-      std::error_code ec;
-      std::filesystem::remove_all(gRacine, ec);
-    });
+const std::string kDossier = "/memoire/F.rq2/";
+
+// Le contexte d'un dossier qui n'a que ses fichiers de personnes ; il les possède et les
+// rend à qui les demande, comme le fait le dossier complet.
+class TDossierPersonnes : public TContexteDossier {
+ public:
+  TDossierPersonnes() : TContexteDossier(kDossier + "F.prs") {
+    Persons = std::make_unique<TFicPersons>(this, false);
+    PersSuppr = std::make_unique<TFicPersSuppr>(this, false);
+    ExtPersons = std::make_unique<TFicExtPersons>(this, false);
   }
-  return std::string(gRacine) + "/F.rq2";
+  TFicPersons* FicPersons() const override { return Persons.get(); }
+  TFicExtPersons* FicExtPersons() const override { return ExtPersons.get(); }
+  TFicPersSuppr* FicPersSuppr() const override { return PersSuppr.get(); }
+
+ private:
+  std::unique_ptr<TFicPersons> Persons;
+  std::unique_ptr<TFicPersSuppr> PersSuppr;
+  std::unique_ptr<TFicExtPersons> ExtPersons;
+};
+
+// Le disque du harnais, installé pour tout le processus.
+TDisqueMemoire& Disque() {
+  static TDisqueMemoire disque;
+  static TDisqueMemoire::TInstallation installation(disque);
+  return disque;
 }
 
-void Ecrit(const std::string& chemin, const uint8_t* d, size_t n) {
-  std::ofstream f(chemin, std::ios::binary | std::ios::trunc);
-  f.write(reinterpret_cast<const char*>(d), static_cast<std::streamsize>(n));
-}
+void Pose(const std::string& nom, const uint8_t* d, size_t n) { Disque().Pose(kDossier + nom, {d, d + n}); }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* donnees, size_t taille) {
-  using namespace rqbase;
   if (taille < 2) return 0;
   const size_t reste = taille - 2;
   const size_t nExp = reste * donnees[0] / 512, nPsu = reste * donnees[1] / 512;
   const size_t nPrs = reste - nExp - nPsu;
   const uint8_t* p = donnees + 2;
-  const std::string d = Dossier();
-  Ecrit(d + "/F.prs", p, nPrs);
-  Ecrit(d + "/F.exp", p + nPrs, nExp);
-  Ecrit(d + "/F.psu", p + nPrs + nExp, nPsu);
-  // Sans .adb : un ancien dossier, ouvert sans protection pour exercer aussi les écritures.
-  TGestFichier gest(d + "/F.prs", false, true, false, false, 0, mcSansProtection);
+  // Les trois fichiers sont remplacés à chaque exécution ; le harnais n'en crée pas d'autre.
+  Pose("F.prs", p, nPrs);
+  Pose("F.exp", p + nPrs, nExp);
+  Pose("F.psu", p + nPrs + nExp, nPsu);
+
+  TDossierPersonnes gest;
   if (TFicPersons* fic = gest.FicPersons()) {
     const long n = std::min<long>(fic->NbPersEffective(), 64);
-    TPerson scratch(fic, -3);
-    for (long no = -2; no <= n; ++no) {
-      scratch.Lecture(no);
+    // L'en-tête (-2) puis chaque personne. 0 et -1 donnent une fiche vide quels que soient
+    // les octets : les relire à chaque exécution n'apprendrait rien au fuzz.
+    TPerson scratch(fic, -2);
+    auto examine = [&] {
       (void)scratch.FicheCassee();
       scratch.RepareFiche();
       gest.FixeErreur(false);
+    };
+    examine();
+    for (long no = 1; no <= n; ++no) {
+      scratch.Lecture(no);
+      examine();
     }
   }
   if (TFicPersSuppr* psu = gest.FicPersSuppr()) {
