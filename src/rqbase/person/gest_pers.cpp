@@ -31,28 +31,16 @@ TLienPers gEnfVide;
 }  // namespace
 
 void TPerson::TEnregPublic::Raz() {
-  ChpsSimpleLoaded = EvenLoaded = CitationLoaded = 0;
-  std::memset(Reserve1, 0, sizeof Reserve1);
-  std::memset(Reserve2, 0, sizeof Reserve2);
-  std::memset(Reserve3, 0, sizeof Reserve3);
-  std::fill(std::begin(LiensChpsSimple), std::end(LiensChpsSimple), 0);
-  std::fill(std::begin(LiensEvenement), std::end(LiensEvenement), 0);
-  std::fill(std::begin(LiensCitation), std::end(LiensCitation), 0);
+  // La partie de données simples (de ChpsSimpleLoaded à NoGeneration, dans l'ordre de la
+  // déclaration) se vide d'un coup : chaque lecture d'une personne commence par là.
+  char* debut = reinterpret_cast<char*>(&ChpsSimpleLoaded);
+  char* fin = reinterpret_cast<char*>(&NoGeneration + 1);
+  std::memset(debut, 0, static_cast<size_t>(fin - debut));
   Type = 'P';
   Supprime = ' ';
   Sexe = '?';
-  Pere = TLienPers();
-  Mere = TLienPers();
-  std::fill(std::begin(Conjoints), std::end(Conjoints), TLienConj());
-  std::fill(std::begin(Enfants), std::end(Enfants), TLienPers());
-  std::memset(Nom, 0, sizeof Nom);
-  std::memset(Prenoms, 0, sizeof Prenoms);
-  PrenomUsuel = 0;
-  std::fill(std::begin(Index), std::end(Index), 0);
-  Note = Extension = Long1 = Long2 = 0;
-  NoGeneration = 0;
   Relation.clear();
-  Sosa = 0;
+  if (!IsZero(Sosa)) clear(Sosa);
   NoDescendance = "!!--!!";
   RangConjParent.clear();
 }

@@ -61,7 +61,7 @@ class TPerson {
     int32_t Extension;
     int32_t Long1;
     int32_t Long2;
-    int32_t NoGeneration;
+    int32_t NoGeneration;  // dernier des champs simples : Raz les vide d'un coup jusqu'ici
     std::string Relation;
     NTL::ZZ Sosa;
     std::string NoDescendance;

@@ -5,10 +5,13 @@
 #include <unistd.h>
 
 #include "rqbase/platform/chemins.h"
+#include "rqbase/platform/fichier_memoire.h"
 
 namespace rqbase {
 
 bool SansDroitEcriture(const std::string& chemin) {
+  // Les fichiers d'un disque en mémoire s'écrivent toujours : pas de question au système.
+  if (TDisqueMemoire::Installe()) return false;
   const std::string os = CheminOs(chemin).string();
   struct stat st {};
   if (::lstat(os.c_str(), &st) != 0) return false;
