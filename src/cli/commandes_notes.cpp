@@ -9,26 +9,21 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <memory>
 
 #include "commandes.h"
+#include "ouverture.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/notes/conv_rtf_txt.h"
 #include "rqbase/notes/fic_notes.h"
 #include "rqbase/notes/lecteur_rtf.h"
 #include "rqbase/notes/note.h"
 #include "rqbase/person/gest_pers.h"
-#include "rqbase/platform/attributs.h"
-#include "rqbase/platform/chemins.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/storage/gest_fic_pers.h"
 #include "rqbase/util/erreur.h"
-#include "rqbase/util/fichiers.h"
-
-namespace fs = std::filesystem;
 
 namespace rqcli {
 
@@ -39,49 +34,6 @@ using rqbase::TFicNotes;
 using rqbase::TGestFichier;
 using rqbase::TNote;
 using rqbase::TPerson;
-
-// Le .prs d'un dossier nommé par son dossier système (avec ou sans .rq2) ou son .prs, pris
-// sous son vrai nom (liens résolus), comme le font les commandes du dossier.
-std::string CheminPrs(const std::string& nom) {
-  fs::path p(rqbase::SupprimeSlashSiNecessaire(nom));
-  std::error_code ec;
-  if (p.extension() != ".prs" && p.extension() != ".PRS") {
-    if (!fs::is_directory(rqbase::CheminOs(p.string()), ec) && fs::is_directory(rqbase::CheminOs(p.string() + ".rq2"), ec))
-      p = p.string() + ".rq2";
-    const fs::path reel = fs::canonical(rqbase::CheminOs(p.string()), ec);
-    if (!ec) p = rqbase::CheminInterne(reel);
-    return (p / (p.stem().string() + ".prs")).string();
-  }
-  const fs::path dossier = fs::canonical(rqbase::CheminOs(p.parent_path().empty() ? "." : p.parent_path().string()), ec);
-  if (!ec) p = fs::path(rqbase::CheminInterne(dossier)) / p.filename();
-  return p.string();
-}
-
-bool DossierEnLectureSeule(const std::string& prs) {
-  const fs::path p(prs);
-  const std::string dossier = p.parent_path().string();
-  const std::string ext = rqbase::MajusculesCp1252(fs::path(dossier).extension().string());
-  return ext != ".RQ2" || rqbase::SansDroitEcriture(dossier) || rqbase::SansDroitEcriture(prs);
-}
-
-std::unique_ptr<TGestFichier> Ouvre(const std::string& nom, bool lectureSeule) {
-  const std::string prs = CheminPrs(Arg(nom));
-  if (!rqbase::FichierExiste(prs)) throw ERqBase("Le dossier \"" + Arg(nom) + "\" est introuvable.");
-  if (!lectureSeule && DossierEnLectureSeule(prs))
-    throw ERqBase("Le dossier \"" + Arg(nom) + "\" est en lecture seule : rien n'a été changé.");
-  auto gest = std::make_unique<TGestFichier>(prs, false, false, false, false, 0, rqbase::mcLectureSeule,
-                                             lectureSeule || DossierEnLectureSeule(prs));
-  if (gest->EnErreur() || !gest->FicPersons()) {
-    if (!gest->MessageErreur().empty()) throw ERqBase(gest->MessageErreur());
-    throw ERqBase("Le dossier \"" + Arg(nom) + "\" ne peut pas être ouvert.");
-  }
-  return gest;
-}
-
-void VerifieEcriture(const TGestFichier& gest, const std::string& quoi) {
-  if (gest.EcritureRatee() || gest.EnErreur())
-    throw ERqBase("L'écriture dans le dossier a échoué (disque plein ou erreur du disque) : " + quoi);
-}
 
 std::string LitEntree() {
   std::cin >> std::noskipws;

@@ -90,7 +90,7 @@ rq_cas(notes_refus 05_vide CODE 1 ENTREE "" ERREUR [=[rqbase : La note est vide 
 rq_cas(notes_refus 06_personne_absente CODE 1 ENTREE "x" ERREUR [=[rqbase : La personne 9 n'existe pas dans ce dossier.
 ]=] ARGS note ecrire Famille 9 --titre G)
 # Un titre vide n'arrive pas jusqu'à la commande : la ligne de commande le refuse.
-rq_cas(notes_refus 07_titre_vide CODE 2 ENTREE "x" ERREUR [=[rqbase : nombre d'arguments incorrect : 1 required TEXT missing
+rq_cas(notes_refus 07_titre_vide CODE 2 ENTREE "x" ERREUR [=[rqbase : il manque la valeur de l'option --titre
 rqbase --aide pour l'aide.
 ]=] ARGS note ecrire Famille 1 --titre=)
 rq_cas(notes_refus 08_titre_tabulation CODE 1 ENTREE "x" ERREUR [=[rqbase : Le titre contient un caractère de contrôle (U+0009) : rien n'a été enregistré.
