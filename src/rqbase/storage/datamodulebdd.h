@@ -31,9 +31,14 @@
 //   premier nom libre "<nom>_v4 (2).adb", "<nom>_v4 (3).adb"... (MetDeCote).
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <unordered_map>
+#include <vector>
+
+#include "rqbase/storage/evenement.h"
 
 namespace SQLite {
 class Database;
@@ -44,6 +49,7 @@ class Transaction;
 namespace rqbase {
 
 class TProgression;
+class TContexteDossier;
 
 // Ce que l'objet sait de son dossier : la mise à niveau n'a lieu que pour un
 // dossier modifiable ; sans dossier (outils), la base est prise telle quelle.
@@ -187,6 +193,130 @@ class TModuleBDD {
   // Barre de progression des restructurations ; nullptr : muette.
   TProgression* Progression = nullptr;
 
+  // ===== Événements et champs simples (evenements_bdd.cpp) =====
+  // Le voisinage de la base : le contexte du dossier (cache des personnes, fichier des
+  // personnes pour savoir qui est supprimé) et les comptes des fichiers des lieux et des
+  // notes, pour annuler à la lecture un renvoi au-delà de leur fin. Posés par le dossier ;
+  // nuls ou vides, rien n'est chassé ni annulé.
+  TContexteDossier* Contexte = nullptr;
+  std::function<long()> NbLieux;
+  std::function<long()> NbNotes;
+  // Lignes réellement écrites (insérées, modifiées, effacées) par les opérations des
+  // événements, sources, illustrations et personnes citées depuis l'ouverture.
+  long LignesEcrites = 0;
+
+  // Lit la ligne du numéro de l'objet (index ParID) ; introuvable : objet vierge, false.
+  // Les fils "ThreadBirthday" et "ThreadUpdateDistCum" lisent par leur propre curseur.
+  bool LectureEven(TEvenement* ev);
+  // Le `rang`-ième (à partir de 1) événement de libellé `libelle` de la personne `no`.
+  bool LectureEven(const std::string& libelle, TEvenement* ev, long no, int rang = 1);
+  bool LectureChpsSimple(TChpsSimple* chp);
+  bool LectureChpsSimple(const std::string& libelle, long no, TChpsSimple* chp);
+  bool GetEventByID(long id, TEvenement* ev) { ev->Enreg.No = id; return LectureEven(ev); }
+  // Écrit l'objet : ligne neuve (numéro 0, donné par le moteur) ou ligne existante dont
+  // seules les valeurs changées comptent ; rien de changé, rien d'écrit. Rend vrai si
+  // une ligne a été écrite. Sauf `sansListes`, les trois listes chargées suivent.
+  bool SetEvenement(TEvenement* ev, bool sansListes = false);
+  bool SetChpsSimple(TChpsSimple* chp);
+  // Cherche la ligne du numéro (sauf numéro réservé d'import) et l'écrit, ou l'insère.
+  bool EnregistrementEven(TEvenement* ev);
+  bool EnregistrementChpsSimple(TChpsSimple* chp);
+  // Hors import : une ligne vide insérée, son numéro rendu (un numéro est toujours une
+  // ligne). En import : le compteur tenu par BeginImport, réservé sans ligne.
+  long ReturnNewNumEven();
+  long ReturnNewNumChpsSimple();
+  bool IsReserved(long no) const { return no == 0 || Reserves.count(no) != 0; }
+  bool NoEvenExists(long id);
+  bool NoChpsSimpleExists(long id);
+  bool IsIdEventExists(long id);
+  long GetNbEvenements();
+  long GetNbChpsSimples();
+  long GetNbEvenementPers(long no);
+  long GetIDEventMax(bool simple = false);
+  bool DataExists(const std::string& libelle, long no, int rang = 0);
+  long RecupereNoPersbyIDEven(long id);
+  bool IsIDevenAssocieNoPers(long id, long no);
+  // Le rang suivant le plus grand de la personne (RANG_A, ou RANG_B si `commeB`).
+  int GetNextRangEven(long no, bool commeB = false);
+
+  // Les lignes de la personne `no`, en deux passes : sur NoPersA (rang -1 : ajout au bout),
+  // puis sur NoPersB (rang de la ligne, moins 1 : position d'insertion). Les lignes de
+  // Type 0 vont à `surEven`, les autres à `surChps`.
+  void ParcoursChpsDePersonne(long no, const std::function<void(TEvenement&, int)>& surEven,
+                              const std::function<void(TChpsSimple&, int)>& surChps);
+  // Enregistre les listes d'une personne dans leur ordre (rang = position + 1) : lignes de
+  // la personne mises à jour, lignes qui ne sont plus dans ses listes détachées d'elle,
+  // objets neufs insérés (leur numéro est posé). Rend le nombre de lignes écrites.
+  long EnregistrerChpsDePersonne(long no, const std::vector<TEvenement*>& evens,
+                                 const std::vector<TChpsSimple*>& chps, bool sansEffacement = false,
+                                 bool sansListes = false);
+
+  // Parcours sur un second curseur : celui des autres opérations n'est pas déplacé.
+  // Filtres facultatifs : libellé (vide : tous), personne (0 : toutes, sur NoPersA ou NoPersB).
+  void BeginParcoursEvens(const std::string& libelle = "", long noPers = 0);
+  // Vide l'objet, saute `deplacement` lignes, le remplit ; false à la fin.
+  bool GetEvenParcours(TEvenement* ev, long deplacement = 0);
+  void EndParcoursEvens();
+  void BeginParcoursChpsSimple(const std::string& libelle = "", long noPers = 0);
+  bool GetChpsSimpleParcours(TChpsSimple* chp, long deplacement = 0);
+  void EndParcoursChpsSimple();
+
+  // Personne supprimée (`restaure` faux) : ses lignes cachées, numéros de personnes mis en
+  // négatif ; restaurée : remis, sauf une ligne dont l'autre personne est encore supprimée.
+  void MasquerChpsOfPerson(long no, bool restaure);
+  void MasquerPersAssociee(long idEven, bool masquer);
+  void MasquerCitationsOfPerson(long no, bool restaure);
+  void GetListIdPersNegatif(std::set<long>& numeros);
+  // Efface la ligne et ses sources, illustrations, personnes citées.
+  void SupprimeEvenDefinitvement(long id);
+  void DeleteNoPers(long n);
+  void EvenChangeID(long ancien, long nouveau);
+  void EvenChangeNoPersA(long id, long no, bool commeB = false);
+  void RenameEven(const std::string& ancien, const std::string& nouveau);
+  void ChangeTypeEvenement(long id, int type);
+  // Toutes les lignes de ce libellé deviennent des événements (Type 0) ; rend leur nombre.
+  long ChpsSimpleEven(const std::string& libelle);
+
+  // Aides de texte et de dates des requêtes.
+  static long ConvDateEnDateIndex(std::string_view date);
+  // La date d'un objet : républicaine et hébraïque passent par le grégorien.
+  static long ConvDateEnDateIndex(const TDateRQ& date);
+  static double StrVersDateTime(std::string_view date);
+  static std::string ConvAnneeEntierEnAnsiString(int n);
+  static std::string ConvJourOuMoisEntierEnAnsiString(int n);
+  static std::string ConvertirChaineFormatSQL(std::string_view s);
+  static std::string FormatChaine_Donnee(std::string_view s, bool sql);
+
+  // ===== Sources, illustrations, personnes citées (sources_bdd.cpp) =====
+  bool LectureSource(TSource* s);
+  bool EnregistrementSource(TSource* s);
+  bool NoSourceExists(long id);
+  long ReturnNewNumSource();
+  void SwapSources(long a, long b);
+  bool LectureIllustration(TIllustration* i);
+  bool EnregistrementIllustration(TIllustration* i);
+  bool NoIllustrationExists(long id);
+  long ReturnNewNumIllustration();
+  void SwapIllustrations(long a, long b);
+  long GetNbIllustration(long idEven);
+  void SetIllustrationDefault(long noPers, long idEven, long illustration);
+  // Les trois listes d'un événement, en ordre de rang, 50 au plus.
+  void ChargerSourceOfEven(TEvenement::TEnreg* e);
+  void ChargerIllustrationOfEven(TEvenement::TEnreg* e);
+  void ChargerPersAssocieeOfEven(TEvenement::TEnreg* e);
+  // Met les lignes de l'événement d'accord avec sa liste en mémoire ; rend les lignes écrites.
+  long UpdaterSourceOfEven(TEvenement* ev);
+  long UpdaterIllustrationOfEven(TEvenement* ev);
+  long EnregistrementPersAssociees(TEvenement* ev);
+  // Renumérote de 0 les rangs des lignes de l'événement (table Sources ou Illustrations).
+  long UpdateRang(const std::string& table, long idEven);
+  // Les événements où la personne est citée, en ordre de rang (100 au plus).
+  void ChargerCitationsDePersonne(long no, std::vector<long>& evens);
+  void EnregistreOrdreCitations(long no, const std::vector<long>& evens);
+  bool PersIsCitee(long no);
+  void UpdatePersCiteeBuffer(long idEven);
+  void RecupeNumPersABEven(long idEven, std::set<long>* numeros);
+
  private:
   void Connecte(bool lectureSeule);
   void ConnecteSelonAcces(bool lectureSeule);
@@ -203,6 +333,14 @@ class TModuleBDD {
   long ReserveNumero(const char* table, const char* colonneId);
   void MetDeCoteAncienneBase();
   [[noreturn]] void ErreurMoteur(const std::exception& e) const;
+  // Événements (evenements_bdd.cpp).
+  void ChasseDuCache(long no);
+  bool PersonneSupprimee(long no);
+  long AnnuleSiSupLong(long valeur, const std::function<long()>& compte) const;
+  long Ecrit(SQLite::Statement& requete);
+  std::set<long> Reserves, ReservesSources, ReservesIllustrations;
+  std::unique_ptr<SQLite::Statement> ParcoursEvens, ParcoursChps;
+  int ColonneDateModif = -1;  // -1 pas encore vu, 0 absente, 1 présente
 
   std::string CheminAdb;
   std::string Version;
