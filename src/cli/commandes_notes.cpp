@@ -131,11 +131,12 @@ void Ecrire(TContexteCli& ctx, const std::string& nom, long no, const std::strin
   const long entete = EnteteDeLaPersonne(*gest, no, personne);
   TNote note(fic, entete);
   // L'en-tête tient dans un bloc : un titre de plus qui le ferait couper est refusé avant
-  // toute écriture (la coupe perdrait les titres d'après).
+  // toute écriture (la coupe perdrait les titres d'après). Une chaîne neuve commence au bloc
+  // qui suit le dernier ; une chaîne reprise garde son numéro, plus court.
   {
     TNote essai(fic, 0);
     essai.Assign(note);
-    essai.SetPositionTitre(titre, fic->NbBlocs() + TFicNotes::BlocsMaxParNote + 2);
+    essai.SetPositionTitre(titre, fic->NbBlocs() + 1);
     if (essai.Liste.CommaText().size() > 507)
       throw ERqBase("Les titres des notes de la personne " + std::to_string(no) +
                     " ne tiennent plus dans leur bloc : rien n'a été enregistré.");
