@@ -16,9 +16,9 @@
 // chaîne qui boucle finit là). Lire ne plante sur aucun fichier, même forgé.
 //
 // Écritures : rien dans un dossier en lecture seule ou en erreur ; un bloc de texte n'est
-// jamais écrasé par un en-tête ; un texte neuf s'écrit avant l'en-tête qui le désigne, si
-// bien qu'une panne laisse l'ancienne note entière. Les blocs devenus inutiles restent
-// dans le fichier, injoignables.
+// jamais écrasé par un en-tête ; une chaîne neuve s'écrit avant l'en-tête qui la désigne, si
+// bien qu'une panne laisse l'ancienne note entière (une chaîne RTF reprise se réécrit en
+// place). Les blocs devenus inutiles restent dans le fichier, injoignables.
 #pragma once
 #include <cstddef>
 #include <cstdint>
