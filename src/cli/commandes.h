@@ -9,5 +9,6 @@ void AjouteCommandesDossier(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesCatalogue(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesNotes(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesLieux(CLI::App& app, TContexteCli& ctx);
+void AjouteCommandesEvenements(CLI::App& app, TContexteCli& ctx);
 
 }  // namespace rqcli

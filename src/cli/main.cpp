@@ -96,6 +96,7 @@ int main(int argc, char** argv) {
   AjouteCommandesDossier(app, ctx);
   AjouteCommandesNotes(app, ctx);
   AjouteCommandesLieux(app, ctx);
+  AjouteCommandesEvenements(app, ctx);
 
   FranciseSousCommandes(app);
 

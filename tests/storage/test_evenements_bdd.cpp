@@ -200,9 +200,20 @@ TEST_F(EvenementsBddTest, LignesAbimeesSeLisentSansPlantageEtNeSontPasReecritesS
   EXPECT_EQ(Bdd->LignesEcrites, avant);
   EXPECT_EQ(Compte("SELECT LENGTH(Donnee) FROM Evenements WHERE ID = 1"), 150);
   EXPECT_EQ(Compte("SELECT Lieu FROM Evenements WHERE ID = 1"), 11);
-  // Des colonnes dérivées fausses sont remises d'aplomb (_DATE de la ligne 2 : 0).
+  // Des colonnes dérivées fausses sont remises d'aplomb (_DATE de la ligne 2 : 0) ; le lieu
+  // et la note annulés à la lecture, que l'objet n'a pas changés, restent tels quels.
   EXPECT_TRUE(Bdd->SetEvenement(&e2, true));
   EXPECT_EQ(Compte("SELECT _DATE FROM Evenements WHERE ID = 2"), 19000201);
+  EXPECT_EQ(Compte("SELECT Lieu FROM Evenements WHERE ID = 2"), -5);
+  // Une autre colonne changée : le texte trop long, non touché, n'est pas coupé ; le lieu
+  // donné par l'objet remplace celui qui était hors du fichier.
+  e1.Enreg.Lieu = 7;
+  EXPECT_TRUE(Bdd->SetEvenement(&e1, true));
+  EXPECT_EQ(Compte("SELECT LENGTH(Donnee) FROM Evenements WHERE ID = 1"), 150);
+  EXPECT_EQ(Compte("SELECT Lieu FROM Evenements WHERE ID = 1"), 7);
+  e1.Enreg.SetDonnee("court");
+  EXPECT_TRUE(Bdd->SetEvenement(&e1, true));
+  EXPECT_EQ(TexteBrut("SELECT Donnee FROM Evenements WHERE ID = 1"), "court");
 }
 
 TEST_F(EvenementsBddTest, NumerosDonnesHorsImportEtEnImport) {

@@ -157,6 +157,23 @@ bool MemesColonnesEven(const TLigne& n, const TLigne& lu, const TLigne& brut) {
          n.RangA == brut.RangA && n.RangB == brut.RangB;
 }
 
+// Ce qui s'écrit d'une ligne changée : colonne par colonne, une valeur que l'objet n'a pas
+// changée (égale à ce que la lecture en a donné) garde ce qui est stocké. Un texte trop long
+// ou un lieu au-delà du fichier, coupés ou annulés à la lecture, ne sont donc pas écrasés
+// parce qu'une autre colonne a changé.
+TLigne Fusion(const TLigne& n, const TLigne& lu, const TLigne& brut) {
+  TLigne w = n;
+  if (n.Libelle == lu.Libelle) w.Libelle = brut.Libelle;
+  if (n.Donnee == lu.Donnee) w.Donnee = brut.Donnee;
+  if (n.Acte == lu.Acte) w.Acte = brut.Acte;
+  if (MemeCalendrier(n.Calend, lu.Calend)) w.Calend = brut.Calend;
+  if (n.Date == lu.Date) w.Date = brut.Date;
+  if (n.Lieu == lu.Lieu) w.Lieu = brut.Lieu;
+  if (n.LieuDit == lu.LieuDit) w.LieuDit = brut.LieuDit;
+  if (n.Note == lu.Note) w.Note = brut.Note;
+  return w;
+}
+
 bool MemesColonnesChps(const TLigne& n, const TLigne& lu, const TLigne& brut) {
   return n.Libelle == lu.Libelle && n.Donnee == lu.Donnee && n.NoPersA == lu.NoPersA && n.NoPersB == lu.NoPersB &&
          n.Type == brut.Type && n.DonneeIdx == brut.DonneeIdx && n.RangA == brut.RangA && n.RangB == brut.RangB;
@@ -397,7 +414,7 @@ bool TModuleBDD::SetEvenement(TEvenement* ev, bool sansListes) {
       const TLigne lu = LigneDe(relu, &ancienne);
       if (!MemesColonnesEven(n, lu, ancienne)) {
         SQLite::Statement& q = Requete(kMiseAJour);
-        LieLigne(q, n);
+        LieLigne(q, Fusion(n, lu, ancienne));
         q.bind(18, static_cast<int64_t>(ev->Enreg.No));
         ChasseDuCache(n.NoPersA);
         ChasseDuCache(n.NoPersB);
@@ -441,8 +458,8 @@ bool TModuleBDD::SetChpsSimple(TChpsSimple* chp) {
       if (MemesColonnesChps(n, lu, ancienne)) return false;
       SQLite::Statement& q = Requete(kMiseAJourChps);
       q.bind(1, static_cast<int>(n.Type));
-      LieTexte(q, 2, n.Libelle);
-      LieTexte(q, 3, n.Donnee);
+      LieTexte(q, 2, n.Libelle == lu.Libelle ? ancienne.Libelle : n.Libelle);
+      LieTexte(q, 3, n.Donnee == lu.Donnee ? ancienne.Donnee : n.Donnee);
       q.bind(4, static_cast<int64_t>(n.NoPersA));
       q.bind(5, static_cast<int64_t>(n.NoPersB));
       LieTexte(q, 6, n.DonneeIdx);
@@ -620,6 +637,10 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
                                            bool sansListes) {
   const long avant = LignesEcrites;
   Protege([&] {
+    // Une personne s'écrit d'un bloc : une panne au milieu ne laisse pas la moitié de ses
+    // lignes, et une seule écriture durable suffit. En import, le paquet en cours s'en charge.
+    std::unique_ptr<SQLite::Transaction> bloc;
+    if (!EnImport()) bloc = std::make_unique<SQLite::Transaction>(Base());
     std::map<long, TEvenement*> carteEvens;
     std::map<long, TChpsSimple*> carteChps;
     for (size_t i = 0; i < evens.size(); ++i) {
@@ -659,6 +680,7 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
       if (ev->Enreg.No <= 0 || !faits.count(ev->Enreg.No)) EnregistrementEven(ev);
     for (TChpsSimple* chp : chps)
       if (chp->Enreg.No <= 0 || !faits.count(chp->Enreg.No)) EnregistrementChpsSimple(chp);
+    if (bloc) bloc->commit();
   });
   return LignesEcrites - avant;
 }
