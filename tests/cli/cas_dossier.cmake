@@ -91,6 +91,7 @@ rq_cas(dossier_creation 02_info_json JSON SORTIE [=[{
     "Famille.dch",
     "Famille.exp",
     "Famille.lie",
+    "Famille.not",
     "Famille.par",
     "Famille.prs",
     "Famille.psu",
@@ -121,7 +122,7 @@ Signets        : -1, 1
 Création       : <HORODATE>
 Modification   : <HORODATE>
 Lecture seule  : non
-Fichiers       : Famille.adb Famille.dch Famille.exp Famille.lie Famille.par Famille.prs Famille.psu Famille.qua Famille.xin Notices lienidpers.cpt
+Fichiers       : Famille.adb Famille.dch Famille.exp Famille.lie Famille.not Famille.par Famille.prs Famille.psu Famille.qua Famille.xin Notices lienidpers.cpt
 ]=] ARGS info Famille.rq2)
 rq_cas(dossier_creation 04_premiere_personne SORTIE [=[1<TAB>?<TAB>X<TAB>
 ]=] ARGS personnes Famille)
@@ -287,7 +288,7 @@ Signets        : -1, 1
 Création       : <HORODATE>
 Modification   : <HORODATE>
 Lecture seule  : oui
-Fichiers       : Famille.adb Famille.dch Famille.exp Famille.lie Famille.par Famille.prs Famille.psu Famille.qua Famille.xin Notices lienidpers.cpt
+Fichiers       : Famille.adb Famille.dch Famille.exp Famille.lie Famille.not Famille.par Famille.prs Famille.psu Famille.qua Famille.xin Notices lienidpers.cpt
 ]=] ARGS info Famille)
 rq_cas_action(dossier_lecture_seule 07_rend_ecriture chmod u+w Famille.rq2/Famille.prs)
 
@@ -308,7 +309,7 @@ Signets        : -1, 1
 Création       : <HORODATE>
 Modification   : <HORODATE>
 Lecture seule  : non
-Fichiers       : Copie.adb Copie.dch Copie.exp Copie.lie Copie.par Copie.prs Copie.psu Copie.qua Notices
+Fichiers       : Copie.adb Copie.dch Copie.exp Copie.lie Copie.not Copie.par Copie.prs Copie.psu Copie.qua Notices
 ]=] ARGS info Copie)
 rq_cas(dossier_copie 05_copie_lisible JSON SORTIE [=[{"debut": 1, "numeros": 2, "personnes": [
   {"nom":"X","numero":1,"prenoms":"","sexe":"?","supprime":false},
@@ -352,6 +353,7 @@ rq_cas(dossier_copie 19_nouveau_nom_complet JSON SORTIE [=[{
     "Généalogie Lefèvre.dch",
     "Généalogie Lefèvre.exp",
     "Généalogie Lefèvre.lie",
+    "Généalogie Lefèvre.not",
     "Généalogie Lefèvre.par",
     "Généalogie Lefèvre.prs",
     "Généalogie Lefèvre.psu",

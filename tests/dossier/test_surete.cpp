@@ -239,6 +239,29 @@ TEST_F(SureteTest, RenommageEntierOuDefait) {
   EXPECT_STREQ(TPerson(g->FicPersons(), 3).Enreg.Nom, "P3");
 }
 
+TEST_F(SureteTest, RenommageInterrompuLaisseUnDossierEntierSousUnSeulNom) {
+  CreeAvec(2);
+  const std::string d = Temp.Dossier() + "/";
+  // Tué pendant qu'il donnait les seconds noms : le dossier s'ouvre sous l'ancien nom.
+  fs::create_hard_link(d + "Essai.prs", d + "Neuf.prs");
+  fs::create_hard_link(d + "Essai.adb", d + "Neuf.adb");
+  EXPECT_EQ(Ouvre()->NombrePersonnes(), 2);
+  // Le renommage repris passe, et aucun ancien nom ne reste.
+  ASSERT_TRUE(Ouvre()->RenommeDossier("Neuf").Reussi);
+  for (const auto& e : fs::directory_iterator(Temp.Dossier("Neuf")))
+    EXPECT_NE(e.path().filename().string().rfind("Essai", 0), 0u) << e.path();
+  // Tué après le renommage du dossier, avant le départ des anciens noms : entier sous le
+  // nouveau, et les anciens noms partent avec lui à la suppression.
+  const std::string n = Temp.Dossier("Neuf") + "/";
+  fs::create_hard_link(n + "Neuf.prs", n + "Essai.prs");
+  auto g = Ouvre(false, "Neuf");
+  EXPECT_EQ(g->NombrePersonnes(), 2);
+  const TCompteRendu r = g->SupprimeDossier();
+  ASSERT_TRUE(r.Reussi);
+  EXPECT_TRUE(r.Conserves.empty());
+  EXPECT_FALSE(fs::exists(Temp.Dossier("Neuf")));
+}
+
 TEST_F(SureteTest, CopieEntiereOuRien) {
   CreeAvec(3);
   Ecrit(Temp.Dossier() + "/Essai.r1", "dictionnaire");

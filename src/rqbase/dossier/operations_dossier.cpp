@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cctype>
 #include <filesystem>
 #include <set>
@@ -69,7 +70,7 @@ std::vector<std::string> TGestFichier::MembresPresents() const {
     if (type != tfNomSeul && type != tfDico) propres.insert(Relatif(FabriqueNomFichier(type), Dossier));
   // Les compagnons de la base et ce qu'elle a mis de côté portent son nom.
   for (const char* suffixe : {".adb-wal", ".adb-shm", ".adb-journal", ".~adb"}) propres.insert(Nom + suffixe);
-  std::vector<std::string> presents;
+  std::vector<std::string> presents, autres;
   std::error_code ec;
   for (const auto& e : fs::directory_iterator(CheminOs(Dossier), ec)) {
     const std::string fichier = CheminInterne(e.path().filename());
@@ -77,7 +78,17 @@ std::vector<std::string> TGestFichier::MembresPresents() const {
     if (propres.count(fichier) || EstDictionnaire(fichier, Nom) || misDeCote || fichier == "Images" ||
         fichier == "undo.adb-wal" || fichier == "undo.adb-shm")
       presents.push_back(fichier);
+    else
+      autres.push_back(fichier);
   }
+  // Un second nom d'un fichier du dossier (laissé par un renommage interrompu) est au dossier.
+  const size_t nPropres = presents.size();
+  for (const auto& autre : autres)
+    for (size_t i = 0; i < nPropres; ++i)
+      if (MemeFichier(Dossier + autre, Dossier + presents[i])) {
+        presents.push_back(autre);
+        break;
+      }
   // Dans Notices/, les notices du dossier (gnp, inp) et les fichiers np*.
   for (const auto& e : fs::directory_iterator(CheminOs(Dossier + "Notices"), ec)) {
     const std::string fichier = CheminInterne(e.path().filename());
@@ -161,12 +172,6 @@ TCompteRendu TGestFichier::RenommeDossier(const std::string& nouveauNom) {
   // Tous les noms nouveaux d'abord : un chemin trop long est refusé avant tout changement.
   for (int type = tfPersons; type <= tfBrd; ++type) (void)FabriqueNomFichierPour(type, nouveauDossierSlash, nouveauNom);
   FermerFichiers();
-  // Les fichiers se renomment d'abord dans l'ancien dossier, puis le dossier d'un coup ;
-  // un échec défait ce qui est fait.
-  std::vector<std::pair<std::string, std::string>> faits;
-  auto defait = [&] {
-    for (auto it = faits.rbegin(); it != faits.rend(); ++it) RenommeSansEcraser(it->second, it->first);
-  };
   std::vector<std::pair<std::string, std::string>> plan;
   for (int type : kTypesRenommes) plan.emplace_back(FabriqueNomFichier(type), FabriqueNomFichierPour(type, Dossier, nouveauNom));
   std::error_code ec;
@@ -174,19 +179,52 @@ TCompteRendu TGestFichier::RenommeDossier(const std::string& nouveauNom) {
     const std::string fichier = CheminInterne(e.path().filename());
     if (EstDictionnaire(fichier, Nom)) plan.emplace_back(Dossier + fichier, Dossier + nouveauNom + fichier.substr(Nom.size()));
   }
+  // Chaque fichier reçoit d'abord son nouveau nom en second nom (lien physique), puis le
+  // dossier change de nom d'un coup, puis les anciens noms partent. Ainsi, à tout instant, même
+  // tué net, le dossier est entier sous un seul nom : l'ancien avant le renommage du dossier,
+  // le nouveau après (des anciens noms en trop ne gênent rien). Là où le système ne sait pas
+  // lier, les fichiers se renomment un à un avant le dossier, et un échec défait ce qui est fait.
+  std::vector<std::pair<std::string, std::string>> faits;
+  bool parLiens = true;
+  auto defait = [&] {
+    for (auto it = faits.rbegin(); it != faits.rend(); ++it) {
+      std::error_code ec2;
+      if (parLiens && MemeFichier(it->first, it->second))
+        fs::remove(CheminOs(it->second), ec2);
+      else if (!parLiens)
+        RenommeSansEcraser(it->second, it->first);
+    }
+  };
   for (const auto& [ancien, nouveau] : plan) {
     if (!FichierOrdinaire(ancien) || ancien == nouveau) continue;
-    if (!RenommeSansEcraser(ancien, nouveau)) {
+    // Un second nom laissé par un renommage interrompu désigne déjà le même fichier.
+    if (parLiens && MemeFichier(ancien, nouveau)) continue;
+    int erreur = 0;
+    bool ok = parLiens ? LieSansEcraser(ancien, nouveau, &erreur) : RenommeSansEcraser(ancien, nouveau, &erreur);
+    if (!ok && parLiens && faits.empty() && (erreur == EPERM || erreur == EXDEV || erreur == ENOTSUP || erreur == EMLINK)) {
+      parLiens = false;
+      ok = RenommeSansEcraser(ancien, nouveau, &erreur);
+    }
+    if (!ok) {
       defait();
       r.Message = "Le dossier n'a pas pu être renommé (" + Relatif(ancien, Dossier) + " ne peut l'être) : rien n'a changé.";
       return r;
     }
     faits.emplace_back(ancien, nouveau);
   }
+  if (parLiens) SynchroniseDossier(ancienDossier);
   if (!RenommeSansEcraser(ancienDossier, nouveauDossier)) {
     defait();
     r.Message = "Le dossier n'a pas pu être renommé en \"" + nouveauDossier + "\" : rien n'a changé.";
     return r;
+  }
+  if (parLiens) {
+    // Le dossier porte son nouveau nom : les anciens noms, seconds noms des mêmes fichiers, partent.
+    for (const auto& [ancien, nouveau] : plan) {
+      const std::string a = nouveauDossierSlash + Relatif(ancien, Dossier), n = nouveauDossierSlash + Relatif(nouveau, Dossier);
+      if (a != n && MemeFichier(a, n)) fs::remove(CheminOs(a), ec);
+    }
+    SynchroniseDossier(nouveauDossier);
   }
   SynchroniseDossier(parent);
   Dossier = nouveauDossierSlash;

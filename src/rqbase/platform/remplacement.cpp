@@ -64,6 +64,18 @@ bool RenommeSansEcraser(const std::string& ancien, const std::string& nouveau, i
   return false;
 }
 
+bool LieSansEcraser(const std::string& existant, const std::string& nouveau, int* erreur) {
+  if (::link(CheminOs(existant).c_str(), CheminOs(nouveau).c_str()) == 0) return true;
+  if (erreur) *erreur = errno;
+  return false;
+}
+
+bool MemeFichier(const std::string& a, const std::string& b) {
+  struct stat sa {}, sb {};
+  return ::lstat(CheminOs(a).c_str(), &sa) == 0 && ::lstat(CheminOs(b).c_str(), &sb) == 0 && sa.st_dev == sb.st_dev &&
+         sa.st_ino == sb.st_ino;
+}
+
 std::string NomLibre(const std::string& chemin) {
   if (!Existe(chemin)) return chemin;
   const std::filesystem::path p(chemin);

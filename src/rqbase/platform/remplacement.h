@@ -16,6 +16,11 @@ bool RemplaceFichier(const std::string& chemin, const std::string& octets);
 // Renomme `ancien` en `nouveau` si `nouveau` n'existe pas ; false sinon (errno du système
 // dans `erreur` s'il est donné).
 bool RenommeSansEcraser(const std::string& ancien, const std::string& nouveau, int* erreur = nullptr);
+// Donne à `existant` le second nom `nouveau` (lien physique) si `nouveau` n'existe pas ;
+// false sinon (errno dans `erreur`). Les deux noms désignent alors le même fichier.
+bool LieSansEcraser(const std::string& existant, const std::string& nouveau, int* erreur = nullptr);
+// Vrai si les deux chemins désignent le même fichier (liens physiques), sans suivre de lien.
+bool MemeFichier(const std::string& a, const std::string& b);
 // `chemin` s'il est libre, sinon "<base> (2)<ext>", "<base> (3)<ext>"... le premier libre.
 std::string NomLibre(const std::string& chemin);
 // Force sur le disque l'entrée des fichiers d'un dossier (après création ou renommage).
