@@ -8,25 +8,14 @@
 #include <memory>
 
 #include "rqbase/person/gest_pers.h"
+#include "racine_temp.h"
 #include "rqbase/dossier/gest_fic.h"
 
 namespace {
 
 using namespace rqbase;
 
-struct TRacine {
-  TRacine() {
-    std::string modele = (std::filesystem::temp_directory_path() / "rqbenchXXXXXX").string();
-    Chemin = ::mkdtemp(modele.data());
-  }
-  ~TRacine() { std::filesystem::remove_all(Chemin); }
-  std::string Chemin;
-};
-
-TRacine& Racine() {
-  static TRacine r;
-  return r;
-}
+using mesure::Racine;
 
 // Écrit n personnes dans un dossier neuf ; rend le chemin du .prs.
 std::string RemplitDossier(const std::string& nom, long n, bool immediate) {

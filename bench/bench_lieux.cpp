@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string>
 
+#include "racine_temp.h"
 #include "rqbase/places/gestduplicat.h"
 #include "rqbase/storage/contexte_dossier.h"
 
@@ -19,7 +20,7 @@ using namespace rqbase;
 std::string FichierDeLieux(long n) {
   static std::string chemin;
   if (!chemin.empty()) return chemin;
-  const std::string dossier = (std::filesystem::temp_directory_path() / ("rqbench" + std::to_string(::getpid()))).string();
+  const std::string dossier = mesure::Racine().Chemin;
   std::filesystem::create_directories(dossier + "/L.rq2");
   chemin = dossier + "/L.rq2/L.prs";
   std::ofstream f(dossier + "/L.rq2/L.lie", std::ios::binary);

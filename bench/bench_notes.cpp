@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "racine_temp.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/notes/conv_rtf_txt.h"
 #include "rqbase/notes/fic_notes.h"
@@ -17,19 +18,7 @@ namespace {
 
 using namespace rqbase;
 
-struct TRacine {
-  TRacine() {
-    std::string modele = (std::filesystem::temp_directory_path() / "rqbenchnotesXXXXXX").string();
-    Chemin = ::mkdtemp(modele.data());
-  }
-  ~TRacine() { std::filesystem::remove_all(Chemin); }
-  std::string Chemin;
-};
-
-TRacine& Racine() {
-  static TRacine r;
-  return r;
-}
+using mesure::Racine;
 
 std::string Prs(const std::string& nom) { return Racine().Chemin + "/" + nom + ".rq2/" + nom + ".prs"; }
 

@@ -2,16 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "rqbase/dates/bo_jours.h"
+#include "dates_essai.h"
 #include "rqbase/dates/calendriers.h"
 
 namespace rqbase {
 namespace {
 
-TDateRQ D(const char* acte, char calendrier, const char* date) {
-  TDateRQ d(calendrier, date);
-  d.SetActe(acte);
-  return d;
-}
+using essai::D;
 
 TEST(TDateRQ, ExportEtRelecture) {
   EXPECT_EQ(TDateRQ().ExportInString(), "");

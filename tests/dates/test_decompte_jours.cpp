@@ -6,17 +6,14 @@
 #include <random>
 #include <string>
 
+#include "dates_essai.h"
 #include "rqbase/dates/calendriers.h"
 #include "rqbase/dates/decompte_jours.h"
 
 namespace rqbase {
 namespace {
 
-TDateRQ D(const char* acte, char calendrier, const char* date) {
-  TDateRQ d(calendrier, date);
-  d.SetActe(acte);
-  return d;
-}
+using essai::D;
 
 TEST(CalcJours, AgesEtCasLimites) {
   float age = 0;
