@@ -50,6 +50,7 @@ namespace rqbase {
 
 class TProgression;
 class TContexteDossier;
+struct TLigneEven;
 
 // Ce que l'objet sait de son dossier : la mise à niveau n'a lieu que pour un
 // dossier modifiable ; sans dossier (outils), la base est prise telle quelle.
@@ -334,6 +335,8 @@ class TModuleBDD {
   void MetDeCoteAncienneBase();
   [[noreturn]] void ErreurMoteur(const std::exception& e) const;
   // Événements (evenements_bdd.cpp).
+  bool EcritEven(TEvenement* ev, const TLigneEven* connue, bool sansListes);
+  bool EcritChps(TChpsSimple* chp, const TLigneEven* connue);
   void ChasseDuCache(long no);
   bool PersonneSupprimee(long no);
   long AnnuleSiSupLong(long valeur, const std::function<long()>& compte) const;

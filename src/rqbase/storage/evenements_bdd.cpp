@@ -32,8 +32,10 @@ constexpr const char* kColonnes =
 
 std::string Select(const char* suite) { return std::string("SELECT ") + kColonnes + " FROM \"Evenements\" " + suite; }
 
+}  // namespace
+
 // Une ligne de la table telle qu'elle est stockée (textes déjà en Windows-1252).
-struct TLigne {
+struct TLigneEven {
   long Id = 0;
   long Type = 0;
   std::string Libelle, Donnee;
@@ -46,6 +48,10 @@ struct TLigne {
   long DateIdx = 0;
   long RangA = 0, RangB = 0;
 };
+
+namespace {
+
+using TLigne = TLigneEven;
 
 // Un entier hors des 32 bits signés des colonnes (écrit par un autre outil) se lit 0.
 long Entier(SQLite::Statement& q, int col) {
@@ -94,7 +100,7 @@ bool MemeCalendrier(const std::string& a, const std::string& b) {
 }
 
 // Les colonnes qu'un objet écrit (le rang de l'autre personne reste celui de la ligne).
-TLigne LigneDe(const TEvenement& ev, const TLigne* ancienne) {
+TLigne LigneDe(const TEvenement& ev, const TLigne* ancienne, bool derivees = true) {
   const TEvenement::TEnreg& e = ev.Enreg;
   TLigne l;
   l.Id = e.No;
@@ -111,8 +117,10 @@ TLigne LigneDe(const TEvenement& ev, const TLigne* ancienne) {
   l.Note = e.Note;
   l.NoIll = e.NoIllustrationParDefaut;
   l.LienExt = e.LienExtEven;
-  l.DonneeIdx = TModuleBDD::FormatChaine_Donnee(l.Donnee, false);
-  l.DateIdx = TModuleBDD::ConvDateEnDateIndex(e.Date);
+  if (derivees) {
+    l.DonneeIdx = TModuleBDD::FormatChaine_Donnee(l.Donnee, false);
+    l.DateIdx = TModuleBDD::ConvDateEnDateIndex(e.Date);
+  }
   if (ancienne) {
     l.RangA = ancienne->RangA;
     l.RangB = ancienne->RangB;
@@ -126,7 +134,7 @@ TLigne LigneDe(const TEvenement& ev, const TLigne* ancienne) {
   return l;
 }
 
-TLigne LigneDe(const TChpsSimple& chp, const TLigne* ancienne) {
+TLigne LigneDe(const TChpsSimple& chp, const TLigne* ancienne, bool derivees = true) {
   const TChpsSimple::TEnreg& e = chp.Enreg;
   TLigne l;
   l.Id = e.No;
@@ -135,7 +143,7 @@ TLigne LigneDe(const TChpsSimple& chp, const TLigne* ancienne) {
   l.Donnee = Coupe(e.Donnee, kLgDonnee);
   l.NoPersA = e.NoPersA;
   l.NoPersB = e.NoPersB;
-  l.DonneeIdx = TModuleBDD::FormatChaine_Donnee(l.Donnee, false);
+  if (derivees) l.DonneeIdx = TModuleBDD::FormatChaine_Donnee(l.Donnee, false);
   if (ancienne) {
     l.RangA = ancienne->RangA;
     l.RangB = ancienne->RangB;
@@ -356,17 +364,18 @@ void LieLigne(SQLite::Statement& q, const TLigne& l) {
   q.bind(17, static_cast<int64_t>(l.RangB));
 }
 
-constexpr const char* kInsertion =
+const TLigne kLigneVide;
+const std::string kInsertion =
     "INSERT INTO \"Evenements\" (\"Type\", \"LibelleChamps\", \"Donnee\", \"NoPersA\", \"NoPersB\", \"Acte\", "
     "\"TypeCalend\", \"Date\", \"Lieu\", \"LieuDit\", \"Note\", \"NoIllustrationParDefaut\", \"LienExtEven\", "
     "\"_DONNEE\", \"_DATE\", \"RANG_A\", \"RANG_B\", \"ID\") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
     "?, ?)";
-constexpr const char* kMiseAJour =
+const std::string kMiseAJour =
     "UPDATE \"Evenements\" SET \"Type\" = ?, \"LibelleChamps\" = ?, \"Donnee\" = ?, \"NoPersA\" = ?, \"NoPersB\" = "
     "?, \"Acte\" = ?, \"TypeCalend\" = ?, \"Date\" = ?, \"Lieu\" = ?, \"LieuDit\" = ?, \"Note\" = ?, "
     "\"NoIllustrationParDefaut\" = ?, \"LienExtEven\" = ?, \"_DONNEE\" = ?, \"_DATE\" = ?, \"RANG_A\" = ?, "
     "\"RANG_B\" = ? WHERE \"ID\" = ?";
-constexpr const char* kMiseAJourChps =
+const std::string kMiseAJourChps =
     "UPDATE \"Evenements\" SET \"Type\" = ?, \"LibelleChamps\" = ?, \"Donnee\" = ?, \"NoPersA\" = ?, \"NoPersB\" = "
     "?, \"_DONNEE\" = ?, \"RANG_A\" = ?, \"RANG_B\" = ? WHERE \"ID\" = ?";
 
@@ -377,7 +386,8 @@ namespace {
 // Trouve la ligne d'un numéro ; false si elle n'existe pas.
 bool ChercheLigne(TModuleBDD& bdd, long id, TLigne& l) {
   if (id <= 0) return false;
-  SQLite::Statement& q = bdd.Requete(Select("WHERE \"ID\" = ?"));
+  static const std::string sql = Select("WHERE \"ID\" = ?");
+  SQLite::Statement& q = bdd.Requete(sql);
   q.bind(1, static_cast<int64_t>(id));
   const bool trouve = q.executeStep();
   if (trouve) l = LitLigne(q);
@@ -389,9 +399,18 @@ bool ChercheLigne(TModuleBDD& bdd, long id, TLigne& l) {
 
 bool TModuleBDD::SetEvenement(TEvenement* ev, bool sansListes) {
   return Protege([&] {
-    bool ecrit = false;
     TLigne ancienne;
     const bool existe = ev->Enreg.No > 0 && !IsReserved(ev->Enreg.No) && ChercheLigne(*this, ev->Enreg.No, ancienne);
+    return EcritEven(ev, existe ? &ancienne : nullptr, sansListes);
+  });
+}
+
+// `connue` : la ligne telle qu'elle vient d'être lue, nulle pour une ligne neuve.
+bool TModuleBDD::EcritEven(TEvenement* ev, const TLigneEven* connue, bool sansListes) {
+  return Protege([&] {
+    bool ecrit = false;
+    const bool existe = connue != nullptr;
+    const TLigne& ancienne = existe ? *connue : kLigneVide;
     if (!existe) {
       // Ligne neuve : tout compte comme changé, le numéro vient du moteur ou de l'import.
       const TLigne n = LigneDe(*ev, nullptr);
@@ -411,7 +430,7 @@ bool TModuleBDD::SetEvenement(TEvenement* ev, bool sansListes) {
       const TLigne n = LigneDe(*ev, &ancienne);
       TEvenement relu;
       RemplitEven(relu.Enreg, ancienne, AnnuleSiSupLong(ancienne.Lieu, NbLieux), AnnuleSiSupLong(ancienne.Note, NbNotes));
-      const TLigne lu = LigneDe(relu, &ancienne);
+      const TLigne lu = LigneDe(relu, &ancienne, false);
       if (!MemesColonnesEven(n, lu, ancienne)) {
         SQLite::Statement& q = Requete(kMiseAJour);
         LieLigne(q, Fusion(n, lu, ancienne));
@@ -433,10 +452,18 @@ bool TModuleBDD::SetEvenement(TEvenement* ev, bool sansListes) {
 
 bool TModuleBDD::SetChpsSimple(TChpsSimple* chp) {
   return Protege([&] {
-    if (ColonneDateModif < 0) ColonneDateModif = ColonneExiste("Evenements", "DateLastModif") ? 1 : 0;
     TLigne ancienne;
     const bool existe =
         chp->Enreg.No > 0 && !IsReserved(chp->Enreg.No) && ChercheLigne(*this, chp->Enreg.No, ancienne);
+    return EcritChps(chp, existe ? &ancienne : nullptr);
+  });
+}
+
+bool TModuleBDD::EcritChps(TChpsSimple* chp, const TLigneEven* connue) {
+  return Protege([&] {
+    if (ColonneDateModif < 0) ColonneDateModif = ColonneExiste("Evenements", "DateLastModif") ? 1 : 0;
+    const bool existe = connue != nullptr;
+    const TLigne& ancienne = existe ? *connue : kLigneVide;
     if (!existe) {
       const TLigne n = LigneDe(*chp, nullptr);
       SQLite::Statement& q = Requete(kInsertion);
@@ -454,7 +481,7 @@ bool TModuleBDD::SetChpsSimple(TChpsSimple* chp) {
       const TLigne n = LigneDe(*chp, &ancienne);
       TChpsSimple relu;
       RemplitChps(relu.Enreg, ancienne);
-      const TLigne lu = LigneDe(relu, &ancienne);
+      const TLigne lu = LigneDe(relu, &ancienne, false);
       if (MemesColonnesChps(n, lu, ancienne)) return false;
       SQLite::Statement& q = Requete(kMiseAJourChps);
       q.bind(1, static_cast<int>(n.Type));
@@ -597,9 +624,9 @@ namespace {
 // Les lignes d'une passe, lues d'abord en entier : les écritures qui suivent changent les
 // rangs, donc l'ordre de l'index que la lecture suit.
 std::vector<TLigne> LignesDePassse(TModuleBDD& bdd, bool passeB, long no) {
-  SQLite::Statement& q =
-      bdd.Requete(passeB ? Select("WHERE \"NoPersB\" = ? ORDER BY \"RANG_B\", \"ID\"")
-                         : Select("WHERE \"NoPersA\" = ? ORDER BY \"RANG_A\", \"ID\""));
+  static const std::string sqlA = Select("WHERE \"NoPersA\" = ? ORDER BY \"RANG_A\", \"ID\"");
+  static const std::string sqlB = Select("WHERE \"NoPersB\" = ? ORDER BY \"RANG_B\", \"ID\"");
+  SQLite::Statement& q = bdd.Requete(passeB ? sqlB : sqlA);
   q.bind(1, static_cast<int64_t>(no));
   std::vector<TLigne> lignes;
   while (q.executeStep()) lignes.push_back(LitLigne(q));
@@ -658,10 +685,10 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
         for (const TLigne& l : LignesDePassse(*this, passeB, no)) {
           ChasseDuCache(passeB ? l.NoPersA : l.NoPersB);
           if (auto e = carteEvens.find(l.Id); e != carteEvens.end()) {
-            SetEvenement(e->second, sansListes);
+            EcritEven(e->second, &l, sansListes);
             faits.insert(l.Id);
           } else if (auto c = carteChps.find(l.Id); c != carteChps.end()) {
-            SetChpsSimple(c->second);
+            EcritChps(c->second, &l);
             faits.insert(l.Id);
           } else if (!faits.count(l.Id)) {
             // Plus dans les listes de la personne : la ligne est détachée d'elle seule.
