@@ -3,7 +3,6 @@
 // operations_dossier.cpp.
 #include "rqbase/dossier/gest_fic.h"
 
-#include <unistd.h>
 
 #include <cerrno>
 
@@ -201,7 +200,7 @@ void TGestFichier::NouveauFichier(int premierePersonne) {
   const std::string definitif = Dossier;
   const std::string parent = AjouteSlashSiNecessaire(fs::path(dossier).parent_path().string());
   // Un nom court : les chemins de l'écart ne doivent pas dépasser ceux du dossier définitif.
-  const std::string ecart = parent + ".rq" + std::to_string(::getpid()) + "n";
+  const std::string ecart = parent + ".rq" + std::to_string(IdProcessus()) + "n";
   std::error_code ec;
   fs::remove_all(CheminOs(ecart), ec);
   fs::create_directories(CheminOs(ecart + "/Notices"), ec);

@@ -5,7 +5,6 @@
 // dit en français ce qui s'est passé. Seuls les fichiers et dossiers qui appartiennent au
 // dossier (ses fichiers nommés, ses dictionnaires, Notices/, Images/) sont déplacés ou
 // supprimés ; ce que l'utilisateur a posé d'autre dans le dossier est laissé et signalé.
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -15,6 +14,7 @@
 
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/platform/chemins.h"
+#include "rqbase/platform/fil.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/remplacement.h"
 #include "rqbase/util/erreur.h"
@@ -116,7 +116,7 @@ TCompteRendu TGestFichier::SupprimeDossier() {
   // Le fichier des personnes part le premier : dès qu'il n'est plus là, le dossier n'existe
   // plus pour personne, et tout le reste attend dans une corbeille cachée.
   std::stable_partition(membres.begin(), membres.end(), [&](const std::string& m) { return m == Nom + ".prs"; });
-  const std::string corbeille = Dossier + ".rqsuppression" + std::to_string(::getpid());
+  const std::string corbeille = Dossier + ".rqsuppression" + std::to_string(IdProcessus());
   std::error_code ec;
   fs::create_directories(CheminOs(corbeille + "/Notices"), ec);
   if (ec) {
@@ -271,7 +271,7 @@ TCompteRendu TGestFichier::DupliqueDossier(const std::string& cible) {
   // La copie se fait à l'écart puis prend sa place d'un seul renommage.
   const std::string parent = AjouteSlashSiNecessaire(dossierCible.parent_path().string());
   // Un nom court : les chemins de l'écart ne doivent pas dépasser ceux de la cible.
-  const std::string ecart = parent + ".rq" + std::to_string(::getpid()) + "c/";
+  const std::string ecart = parent + ".rq" + std::to_string(IdProcessus()) + "c/";
   std::error_code ec;
   fs::remove_all(CheminOs(ecart), ec);
   fs::create_directories(CheminOs(ecart + "Notices"), ec);

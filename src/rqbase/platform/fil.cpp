@@ -11,4 +11,6 @@ uint32_t IdThreadCourant() {
   return id;
 }
 
+long IdProcessus() { return static_cast<long>(::getpid()); }
+
 }  // namespace rqbase
