@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/storage/evenement.h"
@@ -213,6 +214,41 @@ TEST_F(SourcesBddTest, PersonnesCiteesEtCitationsDeLaPersonne) {
   Bdd->SupprimeEvenDefinitvement(Ev.No());
   Bdd->ChargerCitationsDePersonne(30, citations);
   EXPECT_EQ(citations, (std::vector<long>{second.No()}));
+}
+
+}  // namespace
+}  // namespace rqbase
+
+namespace rqbase {
+namespace {
+
+TEST_F(SourcesBddTest, IllustrationsNonUtiliseesListeesPuisEffacees) {
+  const fs::path dossier = Racine / "Famille.rq2";
+  fs::create_directories(dossier / "Images" / "actes");
+  for (const char* nom : {"Images/portrait.jpg", "Images/actes/naissance.png", "Images/orpheline.jpg",
+                          "Images/retouche.iev", "Images/actes/vieux.bmp"})
+    std::ofstream(dossier / nom) << "x";
+  fs::create_symlink(dossier / "Images" / "portrait.jpg", dossier / "Images" / "lien.jpg");
+  TIllustration a(Bdd.get()), b(Bdd.get()), detachee(Bdd.get());
+  a.NoEven = b.NoEven = Ev.No();
+  a.SetChemin("Images\\portrait.jpg");  // écrit par une version d'avant
+  b.SetChemin("Images/actes/naissance.png");
+  detachee.SetChemin("Images/actes/vieux.bmp");  // sans événement : ne compte pas
+  Bdd->EnregistrementIllustration(&a);
+  Bdd->EnregistrementIllustration(&b);
+  Bdd->EnregistrementIllustration(&detachee);
+  const std::string d = dossier.string();
+  std::vector<std::string> liste;
+  Bdd->ChargeIllustrationsNonUtilisees(nullptr, liste);
+  EXPECT_EQ(liste, (std::vector<std::string>{d + "/Images/actes/vieux.bmp", d + "/Images/orpheline.jpg"}));
+  int nb = 0;
+  Bdd->CleanIllustrationsNonUtilisees(nullptr, nb);
+  EXPECT_EQ(nb, 3);  // vieux.bmp, orpheline.jpg et retouche.iev
+  EXPECT_TRUE(fs::exists(dossier / "Images" / "portrait.jpg"));
+  EXPECT_TRUE(fs::exists(dossier / "Images" / "actes" / "naissance.png"));
+  EXPECT_TRUE(fs::is_symlink(dossier / "Images" / "lien.jpg"));  // jamais suivi ni effacé
+  EXPECT_FALSE(fs::exists(dossier / "Images" / "orpheline.jpg"));
+  EXPECT_FALSE(fs::exists(dossier / "Images" / "retouche.iev"));
 }
 
 }  // namespace

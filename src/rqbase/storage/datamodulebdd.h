@@ -317,6 +317,13 @@ class TModuleBDD {
   bool PersIsCitee(long no);
   void UpdatePersCiteeBuffer(long idEven);
   void RecupeNumPersABEven(long idEven, std::set<long>* numeros);
+  // Les fichiers ordinaires sous Images/ que plus aucune illustration d'un événement ne
+  // tient (chemins absolus, dans l'ordre du nom) ; la liste passe les fichiers .IEV.
+  // CleanIllustrationsNonUtilisees les efface et en rend le compte. Un lien symbolique
+  // n'est jamais suivi ni effacé ; l'abandon de la progression arrête entre deux fichiers.
+  void ChargeIllustrationsNonUtilisees(TProgression* progression, std::vector<std::string>& liste);
+  void CleanIllustrationsNonUtilisees(TProgression* progression, int& nb);
+  std::vector<std::string> CheminsIllustrationsUtilisees();
 
  private:
   void Connecte(bool lectureSeule);

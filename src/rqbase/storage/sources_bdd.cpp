@@ -10,7 +10,12 @@
 
 #include <algorithm>
 #include <climits>
+#include <filesystem>
 #include <map>
+
+#include "rqbase/platform/chemins.h"
+#include "rqbase/platform/progression.h"
+#include "rqbase/platform/cp1252.h"
 
 #include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/storage/evenement.h"
@@ -608,6 +613,87 @@ void TModuleBDD::MasquerCitationsOfPerson(long no, bool restaure) {
     q.bind(1, static_cast<int64_t>(no));
     LignesEcrites += PostInTable(q);
   });
+}
+
+// --- Illustrations que plus aucun événement ne tient ---
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Les fichiers ordinaires sous Images/ (un lien symbolique n'est ni suivi ni compté), chemins
+// internes absolus, dans l'ordre du nom.
+std::vector<std::string> FichiersImages(const std::string& dossier) {
+  std::vector<std::string> r;
+  std::error_code ec;
+  const fs::path images = CheminOs(dossier + "/Images");
+  if (!fs::is_directory(fs::symlink_status(images, ec))) return r;
+  for (fs::recursive_directory_iterator it(images, ec), fin; !ec && it != fin; it.increment(ec)) {
+    if (fs::is_regular_file(it->symlink_status(ec))) r.push_back(CheminInterne(it->path().lexically_normal()));
+  }
+  std::sort(r.begin(), r.end());
+  return r;
+}
+
+std::string DossierDeLaBase(const std::string& cheminAdb) {
+  const size_t slash = cheminAdb.find_last_of('/');
+  return slash == std::string::npos ? "." : cheminAdb.substr(0, slash);
+}
+
+}  // namespace
+
+std::vector<std::string> TModuleBDD::CheminsIllustrationsUtilisees() {
+  const std::string dossier = DossierDeLaBase(CheminAdb);
+  return Protege([&] {
+    std::vector<std::string> r;
+    SQLite::Statement& q =
+        Requete("SELECT \"CHEMIN\" FROM \"Illustrations\" WHERE \"ID_EVEN\" > 0 ORDER BY \"ID_EVEN\", \"RANG\"");
+    while (q.executeStep()) {
+      std::string chemin = TexteColonne(q, 0);
+      // Les chemins écrits par les versions d'avant séparent par « \ ».
+      std::replace(chemin.begin(), chemin.end(), '\\', '/');
+      if (chemin.empty()) continue;
+      const fs::path absolu = chemin[0] == '/' ? CheminOs(chemin) : CheminOs(dossier + "/" + chemin);
+      r.push_back(CheminInterne(absolu.lexically_normal()));
+    }
+    q.tryReset();
+    std::sort(r.begin(), r.end());
+    return r;
+  });
+}
+
+void TModuleBDD::ChargeIllustrationsNonUtilisees(TProgression* progression, std::vector<std::string>& liste) {
+  liste.clear();
+  const std::vector<std::string> utilisees = CheminsIllustrationsUtilisees();
+  const std::vector<std::string> fichiers = FichiersImages(DossierDeLaBase(CheminAdb));
+  if (progression) progression->Maximum(static_cast<long>(fichiers.size()));
+  for (const std::string& f : fichiers) {
+    if (progression) {
+      if (progression->Abandon()) return;
+      progression->Avance();
+    }
+    const size_t point = f.find_last_of('.');
+    if (point != std::string::npos && MajusculesCp1252(f.substr(point)) == ".IEV") continue;
+    if (!std::binary_search(utilisees.begin(), utilisees.end(), f)) liste.push_back(f);
+  }
+}
+
+void TModuleBDD::CleanIllustrationsNonUtilisees(TProgression* progression, int& nb) {
+  nb = 0;
+  const std::vector<std::string> utilisees = CheminsIllustrationsUtilisees();
+  const std::vector<std::string> fichiers = FichiersImages(DossierDeLaBase(CheminAdb));
+  if (progression) progression->Maximum(static_cast<long>(fichiers.size()));
+  for (const std::string& f : fichiers) {
+    if (progression) {
+      if (progression->Abandon()) return;
+      progression->Avance();
+    }
+    if (std::binary_search(utilisees.begin(), utilisees.end(), f)) continue;
+    std::error_code ec;
+    // Revu juste avant : un fichier remplacé entre-temps par un lien n'est pas suivi.
+    if (!fs::is_regular_file(fs::symlink_status(CheminOs(f), ec))) continue;
+    if (fs::remove(CheminOs(f), ec)) ++nb;
+  }
 }
 
 }  // namespace rqbase
