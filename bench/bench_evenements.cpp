@@ -3,8 +3,9 @@
 // insertions directes par SQLite (requête préparée, une transaction, mêmes index).
 //
 // La base mesurée est faite par la bibliothèque elle-même, en import : RQ_BENCH_LIGNES
-// lignes (cinq millions par défaut), dix par personne (sept événements, une union avec le
-// voisin, deux champs simples). Elle est gardée dans le dossier temporaire sous un nom qui
+// lignes (cinq millions par défaut) : chaque personne a sept événements et deux champs
+// simples, et deux voisines partagent une union (19 lignes pour deux, dix chargées par
+// personne). Elle est gardée dans le dossier temporaire sous un nom qui
 // porte son compte, et refaite seulement si elle manque ou n'a pas été finie.
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>

@@ -359,6 +359,56 @@ TEST_F(EvenementsBddTest, ChampSimpleDevenuEvenementEtRequetesDEntretien) {
   EXPECT_FALSE(Bdd->IsIdEventExists(prof.No()));
 }
 
+TEST_F(EvenementsBddTest, RequetesDesEcransParFiltresLies) {
+  TEvenement a = Naissance(5, 0, "01/01/1850"), b = Naissance(6, 7, "01/01/1870"), c = Naissance(8, 0, "01/01/1900");
+  b.Enreg.SetLibelle("MARIAGE");
+  c.Enreg.Lieu = 9;
+  for (TEvenement* e : {&c, &b, &a}) Bdd->EnregistrementEven(e);
+  std::vector<long> ids;
+  TStructFilterEvent f;
+  Bdd->ApplyFilterEvent(f, ids);
+  EXPECT_EQ(ids, (std::vector<long>{a.No(), b.No(), c.No()}));  // par _DATE
+  f.Lieu = 4;
+  f.DateMin = 18600000;
+  Bdd->ApplyFilterEvent(f, ids);
+  EXPECT_EQ(ids, (std::vector<long>{b.No()}));
+  f = TStructFilterEvent();
+  f.Libelle = "MARIAGE";
+  std::set<long> personnes;
+  Bdd->GetFilteredEventPerson(f, personnes);
+  EXPECT_EQ(personnes, (std::set<long>{6, 7}));
+  f.Libelle = "l'autre";  // une apostrophe liée, pas collée dans la requête
+  Bdd->ApplyFilterEvent(f, ids);
+  EXPECT_TRUE(ids.empty());
+  Bdd->FiltreEventByLieuDate(4, 0, 18600000, ids);
+  EXPECT_EQ(ids, (std::vector<long>{a.No()}));
+  Bdd->ListePersonneLieux(4, personnes);
+  EXPECT_EQ(personnes, (std::set<long>{5, 6, 7}));
+  TIllustration i(Bdd.get());
+  i.NoEven = c.No();
+  i.SetChemin("Images/c.jpg");
+  Bdd->EnregistrementIllustration(&i);
+  Bdd->GetAllEventWithImages(ids);
+  EXPECT_EQ(ids, (std::vector<long>{c.No()}));
+  TEvenement cite = Naissance(12);
+  cite.Enreg.PersAssocieesChargees = true;
+  cite.Enreg.AjoutPersAssociee(TPersAssociee{TLienPers(40), 2, 3});
+  cite.Enreg.AjoutPersAssociee(TPersAssociee{TLienPers(41), 2, 1});
+  Bdd->EnregistrementEven(&cite);
+  Bdd->ListePersonneParenteQualite(2, 0, personnes);
+  EXPECT_EQ(personnes, (std::set<long>{40, 41}));
+  Bdd->ListePersonneParenteQualite(2, 3, personnes);
+  EXPECT_EQ(personnes, (std::set<long>{40}));
+  EXPECT_EQ(Bdd->GetLastPersonEdit(), 0);  // aucun champ simple écrit : aucune date
+  TChpsSimple titre(Bdd.get());
+  titre.Enreg.SetLibelle("TITRE");
+  titre.Enreg.NoPersA = 6;
+  Bdd->EnregistrementChpsSimple(&titre);
+  EXPECT_EQ(Bdd->GetLastPersonEdit(), 6);
+  EXPECT_THAT(Bdd->GetDateLastModif(6), ::testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9:]{8}"));
+  EXPECT_EQ(Bdd->GetDateLastModif(5), "");
+}
+
 TEST_F(EvenementsBddTest, UneRequeteQuiEchoueDonneLeMessageFrancaisEtGardeLeValide) {
   TEvenement ev = Naissance(5);
   Bdd->EnregistrementEven(&ev);

@@ -158,6 +158,9 @@ TEST_F(SourcesBddTest, IllustrationsUneParDefautParPersonne) {
   EXPECT_EQ(Bdd->GetNbIllustration(Ev.No()), 2);
   TIllustration lue(Bdd.get(), i2.No);
   EXPECT_EQ(lue.Enreg.Chemin, "Images/acte é.png");
+  // Le fichier n'existe pas : le chemin dans le dossier tout de même.
+  EXPECT_EQ(TIllustration(Bdd.get(), i1.No).GetExpandFilename(),
+            (Racine / "Famille.rq2").string() + "/Images/portrait.jpg");
   Bdd->SwapIllustrations(i1.No, i2.No);
   TEvenement ev2(Bdd.get(), Ev.No());
   EXPECT_EQ(ev2.Illustration()[0], i2.No);

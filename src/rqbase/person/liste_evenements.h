@@ -101,6 +101,11 @@ void TermineRecompacter(TPerson& p, TListesChps& l);
 // ensuite le double de la personne dans le cache.
 void ChargerLienChpsOfPerson(TModuleBDD& bdd, TPerson& p, TListesChps& l, int filtreAnnee = 0,
                              bool recharger = false);
+// Recharge les listes depuis la base, comme ChargerLienChpsOfPerson.
+inline void RechargerTableEvenementTV(TModuleBDD& bdd, TPerson& p, TListesChps& l, int filtreAnnee = 0,
+                                      bool recharger = false) {
+  ChargerLienChpsOfPerson(bdd, p, l, filtreAnnee, recharger);
+}
 // Les listes de la personne vers la base ; les objets neufs reçoivent leur numéro, dans la
 // liste et dans les liens. Rend le nombre de lignes écrites.
 long EnregistrerChpsOfPerson(TModuleBDD& bdd, TPerson& p, TListesChps& l, bool sansEffacement = false,

@@ -52,6 +52,16 @@ class TProgression;
 class TContexteDossier;
 struct TLigneEven;
 
+// Un filtre d'événements des écrans de recherche : chaque critère vide ou nul ne filtre pas.
+// Les dates sont des entiers aaaammjj comparés à _DATE, bornes comprises.
+struct TStructFilterEvent {
+  std::string Libelle;
+  long Lieu = 0;
+  long DateMin = 0;
+  long DateMax = 0;
+  long NoPers = 0;  // sur NoPersA ou NoPersB
+};
+
 // Ce que l'objet sait de son dossier : la mise à niveau n'a lieu que pour un
 // dossier modifiable ; sans dossier (outils), la base est prise telle quelle.
 enum class TAccesDossier { SansDossier, Modifiable, LectureSeule };
@@ -277,6 +287,24 @@ class TModuleBDD {
   void ChangeTypeEvenement(long id, int type);
   // Toutes les lignes de ce libellé deviennent des événements (Type 0) ; rend leur nombre.
   long ChpsSimpleEven(const std::string& libelle);
+
+  // Requêtes des écrans (evenements_requetes.cpp) : numéros d'événements (Type 0) dans l'ordre
+  // de _DATE puis du numéro ; personnes (numéros positifs) dans l'ordre des numéros.
+  void ApplyFilterEvent(const TStructFilterEvent& filtre, std::vector<long>& evens);
+  void GetFilteredEventPerson(const TStructFilterEvent& filtre, std::set<long>& personnes);
+  void FiltreEventByLieuDate(long lieu, long dateMin, long dateMax, std::vector<long>& evens);
+  // Les événements qui ont au moins une illustration, par numéro.
+  void GetAllEventWithImages(std::vector<long>& evens);
+  // Les personnes qui ont un fait en ce lieu.
+  void ListePersonneLieux(long lieu, std::set<long>& personnes);
+  // Les personnes citées avec cette qualité et ce lien de parenté (0 : tous).
+  void ListePersonneParenteQualite(long qualite, long parente, std::set<long>& personnes);
+  // La personne de la ligne changée le plus récemment (0 sans DateLastModif) ; la date du
+  // dernier changement des lignes d'une personne ("" si aucune), "aaaa-mm-jj hh:mm:ss".
+  long GetLastPersonEdit();
+  std::string GetDateLastModif(long no);
+  // Échange les rangs de deux personnes citées (lignes de PersAssociees).
+  void SwapPersAssociees(long a, long b);
 
   // Aides de texte et de dates des requêtes.
   static long ConvDateEnDateIndex(std::string_view date);

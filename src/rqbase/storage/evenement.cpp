@@ -213,4 +213,13 @@ TIllustration::TIllustration(TModuleBDD* bdd, long no) : Bdd(bdd) {
 }
 void TIllustration::SetChemin(std::string_view c) { Enreg.Chemin = Coupe(c, kLgChemin); }
 
+std::string TIllustration::GetExpandFilename() const {
+  std::string chemin = Enreg.Chemin;
+  std::replace(chemin.begin(), chemin.end(), '\\', '/');
+  if (!Bdd || chemin.empty() || chemin[0] == '/') return chemin;
+  const std::string& adb = Bdd->GetCheminAdb();
+  const size_t slash = adb.find_last_of('/');
+  return (slash == std::string::npos ? std::string(".") : adb.substr(0, slash)) + "/" + chemin;
+}
+
 }  // namespace rqbase

@@ -197,6 +197,9 @@ class TIllustration {
   explicit TIllustration(TModuleBDD* bdd = nullptr, long no = -3);
   bool Vide() const { return Enreg.Chemin.empty(); }
   void SetChemin(std::string_view c);
+  // Le chemin absolu : le dossier de la base suivi du chemin (« \ » lu « / »), que le fichier
+  // existe ou non ; un chemin déjà absolu est rendu tel quel. Sans base : le chemin seul.
+  std::string GetExpandFilename() const;
 
   TModuleBDD* Bdd;
   long No = 0;
