@@ -197,6 +197,10 @@ TEST_F(EvenementsBddTest, LignesAbimeesSeLisentSansPlantageEtNeSontPasReecritesS
   // et les renvois annulés à la lecture restent dans la base.
   const long avant = Bdd->LignesEcrites;
   EXPECT_FALSE(Bdd->SetEvenement(&e1, true));
+  // Copiée (le calendrier '?' y devient 'G'), elle n'est pas réécrite non plus.
+  TEvenement copie = e1;
+  EXPECT_EQ(copie.Enreg.Date.GetCalendrier(), 'G');
+  EXPECT_FALSE(Bdd->SetEvenement(&copie, true));
   EXPECT_EQ(Bdd->LignesEcrites, avant);
   EXPECT_EQ(Compte("SELECT LENGTH(Donnee) FROM Evenements WHERE ID = 1"), 150);
   EXPECT_EQ(Compte("SELECT Lieu FROM Evenements WHERE ID = 1"), 11);
