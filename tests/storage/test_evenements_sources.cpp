@@ -225,6 +225,51 @@ TEST_F(SourcesBddTest, PersonnesCiteesEtCitationsDeLaPersonne) {
 namespace rqbase {
 namespace {
 
+TEST_F(SourcesBddTest, NumerosDecalesParcoursEtRangsDeConversion) {
+  const long s1 = Source(Ev.No(), "Acte");
+  TEvenement couple(Bdd.get());
+  couple.Enreg.SetLibelle("MARIAGE");
+  couple.Enreg.NoPersA = 5;
+  couple.Enreg.NoPersB = 6;
+  Bdd->EnregistrementEven(&couple);
+  TChpsSimple titre(Bdd.get());
+  titre.Enreg.SetLibelle("TITRE");
+  titre.Enreg.NoPersA = 5;
+  Bdd->EnregistrementChpsSimple(&titre);
+  EXPECT_EQ(Bdd->FindEvenOfPerson(6, "MARIAGE"), couple.No());
+  EXPECT_FALSE(Bdd->EvenExistsForPerson(6, "TITRE"));
+  EXPECT_TRUE(Bdd->ChpsSimpleExistsForPerson(5, "TITRE"));
+  std::map<std::string, long> resume;
+  Bdd->ResumerTabChpsSimple(resume);
+  EXPECT_EQ(resume, (std::map<std::string, long>{{"TITRE", 1}}));
+
+  // Trois lignes (1, 2, 3) passent après 100 : 104, 105, 106 ; la source suit sa copie ;
+  // l'ancienne ligne garde son NoPersB (neutralisation d'origine).
+  EXPECT_EQ(Bdd->ShiftIDEvent(100), 106);
+  EXPECT_EQ(Compte("SELECT ID_EVEN FROM Sources WHERE ID_SOURCE = " + std::to_string(s1)), 104);
+  EXPECT_EQ(Compte("SELECT NoPersA FROM Evenements WHERE ID = 104"), 5);
+  EXPECT_EQ(Compte("SELECT NoPersA FROM Evenements WHERE ID = " + std::to_string(couple.No())), 0);
+  EXPECT_EQ(Compte("SELECT NoPersB FROM Evenements WHERE ID = " + std::to_string(couple.No())), 6);
+  EXPECT_EQ(Compte("SELECT COUNT(*) FROM Evenements WHERE NoPersA = 5"), 3);
+
+  Bdd->BeginParcoursSources(104);
+  TSource s(Bdd.get());
+  ASSERT_TRUE(Bdd->GetSourceParcours(&s));
+  EXPECT_EQ(s.Enreg.Type, "Acte");
+  EXPECT_FALSE(Bdd->GetSourceParcours(&s));
+  Bdd->EndParcoursSources();
+
+  // Citations sans rang (conversion) : rangs 1, 2 dans l'ordre des lignes.
+  Bdd->Base().exec("INSERT INTO PersAssociees (ID_EVEN, LienPers_No, Rang) VALUES (104, 70, 0), (105, 70, 0)");
+  Bdd->ConversionRangCitation(70);
+  std::vector<long> citations;
+  Bdd->ChargerCitationsDePersonne(70, citations);
+  EXPECT_EQ(citations, (std::vector<long>{104, 105}));
+  Bdd->ConversionSetRangCitation(70, 104, 9);
+  Bdd->ChargerCitationsDePersonne(70, citations);
+  EXPECT_EQ(citations, (std::vector<long>{105, 104}));
+}
+
 TEST_F(SourcesBddTest, IllustrationsNonUtiliseesListeesPuisEffacees) {
   const fs::path dossier = Racine / "Famille.rq2";
   fs::create_directories(dossier / "Images" / "actes");

@@ -32,6 +32,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -305,6 +306,31 @@ class TModuleBDD {
   std::string GetDateLastModif(long no);
   // Échange les rangs de deux personnes citées (lignes de PersAssociees).
   void SwapPersAssociees(long a, long b);
+  // Rangs de citation posés la première fois (conversion) : les citations de la personne,
+  // dans l'ordre de leurs lignes, prennent les rangs 1, 2... ; ConversionSetRangCitation pose
+  // le rang de la citation de la personne `no` sur l'événement `idEven`.
+  void ConversionRangCitation(long no);
+  void ConversionSetRangCitation(long no, long idEven, long rang);
+  // Chaque ligne passe sous un numéro neuf, donné après avoir avancé le compteur de `delta` :
+  // copie de la ligne, listes de l'événement rattachées à la copie, ancienne ligne
+  // neutralisée. Rend le plus grand numéro.
+  long ShiftIDEvent(long delta);
+  // Le nombre de lignes de chaque libellé de champ simple (personnes vivantes).
+  void ResumerTabChpsSimple(std::map<std::string, long>& compte);
+  // Façade des personnes : existence et premier numéro d'un libellé pour une personne.
+  bool EvenExistsForPerson(long no, const std::string& libelle);
+  long FindEvenOfPerson(long no, const std::string& libelle);
+  bool ChpsSimpleExistsForPerson(long no, const std::string& libelle);
+  long FindChpsSimpleOfPerson(long no, const std::string& libelle);
+
+  // Parcours des sources et des illustrations (second curseur, comme les événements) ;
+  // `idEven` 0 : toutes, par numéro ; sinon celles de l'événement, par rang.
+  void BeginParcoursSources(long idEven = 0);
+  bool GetSourceParcours(TSource* s);
+  void EndParcoursSources();
+  void BeginParcoursIllustrations(long idEven = 0);
+  bool GetIllustrationParcours(TIllustration* i);
+  void EndParcoursIllustrations();
 
   // Aides de texte et de dates des requêtes.
   static long ConvDateEnDateIndex(std::string_view date);
@@ -377,7 +403,7 @@ class TModuleBDD {
   long AnnuleSiSupLong(long valeur, const std::function<long()>& compte) const;
   long Ecrit(SQLite::Statement& requete);
   std::set<long> Reserves, ReservesSources, ReservesIllustrations;
-  std::unique_ptr<SQLite::Statement> ParcoursEvens, ParcoursChps;
+  std::unique_ptr<SQLite::Statement> ParcoursEvens, ParcoursChps, ParcoursSources, ParcoursIllustrations;
   int ColonneDateModif = -1;  // -1 pas encore vu, 0 absente, 1 présente
 
   std::string CheminAdb;

@@ -167,4 +167,178 @@ void TModuleBDD::SwapPersAssociees(long a, long b) {
   });
 }
 
+void TModuleBDD::ConversionRangCitation(long no) {
+  if (no <= 0) return;
+  Protege([&] {
+    SQLite::Statement& q = Requete(
+        "SELECT \"ID_PERSASSOC\", \"Rang\" FROM \"PersAssociees\" WHERE \"LienPers_No\" = ? ORDER BY \"ID_PERSASSOC\"");
+    q.bind(1, static_cast<int64_t>(no));
+    std::vector<std::pair<long, long>> aChanger;
+    long rang = 0;
+    while (q.executeStep())
+      if (Entier(q, 1) != ++rang) aChanger.emplace_back(Entier(q, 0), rang);
+    q.tryReset();
+    for (const auto& [id, r] : aChanger) {
+      SQLite::Statement& u = Requete("UPDATE \"PersAssociees\" SET \"Rang\" = ? WHERE \"ID_PERSASSOC\" = ?");
+      u.bind(1, static_cast<int64_t>(r));
+      u.bind(2, static_cast<int64_t>(id));
+      LignesEcrites += PostInTable(u);
+    }
+  });
+}
+
+void TModuleBDD::ConversionSetRangCitation(long no, long idEven, long rang) {
+  Protege([&] {
+    SQLite::Statement& u =
+        Requete("UPDATE \"PersAssociees\" SET \"Rang\" = ? WHERE \"LienPers_No\" = ? AND \"ID_EVEN\" = ?");
+    u.bind(1, static_cast<int64_t>(rang));
+    u.bind(2, static_cast<int64_t>(no));
+    u.bind(3, static_cast<int64_t>(idEven));
+    LignesEcrites += PostInTable(u);
+  });
+}
+
+long TModuleBDD::ShiftIDEvent(long delta) {
+  Protege([&] {
+    std::unique_ptr<SQLite::Transaction> bloc;
+    if (!EnImport()) bloc = std::make_unique<SQLite::Transaction>(Base());
+    const long maxi = GetIDEventMax();
+    if (delta > 0) {
+      SQLite::Statement& avance =
+          Requete("UPDATE sqlite_sequence SET seq = seq + ? WHERE name = 'Evenements'");
+      avance.bind(1, static_cast<int64_t>(delta));
+      PostInTable(avance);
+    }
+    std::vector<long> anciens;
+    {
+      SQLite::Statement& q = Requete("SELECT \"ID\" FROM \"Evenements\" WHERE \"ID\" <= ? ORDER BY \"ID\"");
+      q.bind(1, static_cast<int64_t>(maxi));
+      while (q.executeStep()) anciens.push_back(Entier(q, 0));
+      q.tryReset();
+    }
+    for (long id : anciens) {
+      SQLite::Statement& copie = Requete(
+          "INSERT INTO \"Evenements\" (\"Type\", \"LibelleChamps\", \"Donnee\", \"NoPersA\", \"NoPersB\", \"Acte\", "
+          "\"TypeCalend\", \"Date\", \"Lieu\", \"LieuDit\", \"Note\", \"NoIllustrationParDefaut\", \"LienExtEven\", "
+          "\"_DONNEE\", \"_DATE\", \"RANG_A\", \"RANG_B\") SELECT \"Type\", \"LibelleChamps\", \"Donnee\", \"NoPersA\", "
+          "\"NoPersB\", \"Acte\", \"TypeCalend\", \"Date\", \"Lieu\", \"LieuDit\", \"Note\", \"NoIllustrationParDefaut\", "
+          "\"LienExtEven\", \"_DONNEE\", \"_DATE\", \"RANG_A\", \"RANG_B\" FROM \"Evenements\" WHERE \"ID\" = ?");
+      copie.bind(1, static_cast<int64_t>(id));
+      LignesEcrites += PostInTable(copie);
+      const int64_t nouveau = Base().getLastInsertRowid();
+      for (const char* sql : {"UPDATE \"Illustrations\" SET \"ID_EVEN\" = ? WHERE \"ID_EVEN\" = ?",
+                              "UPDATE \"PersAssociees\" SET \"ID_EVEN\" = ? WHERE \"ID_EVEN\" = ?",
+                              "UPDATE \"Sources\" SET \"ID_EVEN\" = ? WHERE \"ID_EVEN\" = ?"}) {
+        SQLite::Statement& u = Requete(sql);
+        u.bind(1, nouveau);
+        u.bind(2, static_cast<int64_t>(id));
+        LignesEcrites += PostInTable(u);
+      }
+      // Voulu : la neutralisation d'origine, « NoPersA = 0 && NoPersB = 0 », ne met à zéro
+      // que NoPersA (la valeur d'une comparaison fausse) ; NoPersB reste.
+      SQLite::Statement& n =
+          Requete("UPDATE \"Evenements\" SET \"NoPersA\" = (0 AND \"NoPersB\" = 0) WHERE \"ID\" = ?");
+      n.bind(1, static_cast<int64_t>(id));
+      LignesEcrites += PostInTable(n);
+    }
+    if (bloc) bloc->commit();
+  });
+  return GetIDEventMax();
+}
+
+void TModuleBDD::ResumerTabChpsSimple(std::map<std::string, long>& compte) {
+  compte.clear();
+  Protege([&] {
+    SQLite::Statement& q = Requete(
+        "SELECT \"LibelleChamps\", COUNT(*) FROM \"Evenements\" WHERE \"Type\" <> 0 AND \"NoPersA\" >= 0 AND "
+        "\"NoPersB\" >= 0 GROUP BY \"LibelleChamps\"");
+    while (q.executeStep()) compte[Trim(TexteColonne(q, 0))] += static_cast<long>(q.getColumn(1).getInt64());
+    q.tryReset();
+  });
+}
+
+namespace {
+
+long PremierDe(TModuleBDD& bdd, long no, const std::string& libelle, bool simple) {
+  if (no <= 0) return 0;
+  return bdd.Protege([&] {
+    SQLite::Statement& q = bdd.Requete(
+        simple ? "SELECT \"ID\" FROM \"Evenements\" WHERE \"LibelleChamps\" = ?1 AND \"Type\" <> 0 AND "
+                 "(\"NoPersA\" = ?2 OR \"NoPersB\" = ?2) ORDER BY \"ID\" LIMIT 1"
+               : "SELECT \"ID\" FROM \"Evenements\" WHERE \"LibelleChamps\" = ?1 AND \"Type\" = 0 AND "
+                 "(\"NoPersA\" = ?2 OR \"NoPersB\" = ?2) ORDER BY \"ID\" LIMIT 1");
+    TModuleBDD::LieTexte(q, 1, Trim(libelle).substr(0, kLgLibelle));
+    q.bind(2, static_cast<int64_t>(no));
+    const long id = q.executeStep() ? Entier(q, 0) : 0;
+    q.tryReset();
+    return id;
+  });
+}
+
+}  // namespace
+
+long TModuleBDD::FindEvenOfPerson(long no, const std::string& libelle) { return PremierDe(*this, no, libelle, false); }
+bool TModuleBDD::EvenExistsForPerson(long no, const std::string& libelle) { return FindEvenOfPerson(no, libelle) != 0; }
+long TModuleBDD::FindChpsSimpleOfPerson(long no, const std::string& libelle) {
+  return PremierDe(*this, no, libelle, true);
+}
+bool TModuleBDD::ChpsSimpleExistsForPerson(long no, const std::string& libelle) {
+  return FindChpsSimpleOfPerson(no, libelle) != 0;
+}
+
+// --- Parcours des sources et des illustrations ---
+
+void TModuleBDD::BeginParcoursSources(long idEven) {
+  Protege([&] {
+    ParcoursSources = std::make_unique<SQLite::Statement>(
+        Base(), idEven == 0 ? "SELECT \"ID_SOURCE\", \"ID_EVEN\", \"TYPE\", \"DESCRIPTIF\" FROM \"Sources\" ORDER BY "
+                              "\"ID_SOURCE\""
+                            : "SELECT \"ID_SOURCE\", \"ID_EVEN\", \"TYPE\", \"DESCRIPTIF\" FROM \"Sources\" WHERE "
+                              "\"ID_EVEN\" = ? ORDER BY \"RANG\", \"ID_SOURCE\"");
+    if (idEven != 0) ParcoursSources->bind(1, static_cast<int64_t>(idEven));
+  });
+}
+
+bool TModuleBDD::GetSourceParcours(TSource* s) {
+  s->No = s->NoEven = 0;
+  s->Enreg = TSource::TEnreg();
+  if (!ParcoursSources) return false;
+  return Protege([&] {
+    if (!ParcoursSources->executeStep()) return false;
+    s->No = Entier(*ParcoursSources, 0);
+    s->NoEven = Entier(*ParcoursSources, 1);
+    s->SetType(TexteColonne(*ParcoursSources, 2));
+    s->SetDescriptif(TexteColonne(*ParcoursSources, 3));
+    return true;
+  });
+}
+
+void TModuleBDD::EndParcoursSources() { ParcoursSources.reset(); }
+
+void TModuleBDD::BeginParcoursIllustrations(long idEven) {
+  Protege([&] {
+    ParcoursIllustrations = std::make_unique<SQLite::Statement>(
+        Base(), idEven == 0 ? "SELECT \"ID_ILLUSTRATION\", \"ID_EVEN\", \"CHEMIN\" FROM \"Illustrations\" ORDER BY "
+                              "\"ID_ILLUSTRATION\""
+                            : "SELECT \"ID_ILLUSTRATION\", \"ID_EVEN\", \"CHEMIN\" FROM \"Illustrations\" WHERE "
+                              "\"ID_EVEN\" = ? ORDER BY \"RANG\", \"ID_ILLUSTRATION\"");
+    if (idEven != 0) ParcoursIllustrations->bind(1, static_cast<int64_t>(idEven));
+  });
+}
+
+bool TModuleBDD::GetIllustrationParcours(TIllustration* i) {
+  i->No = i->NoEven = 0;
+  i->Enreg = TIllustration::TEnreg();
+  if (!ParcoursIllustrations) return false;
+  return Protege([&] {
+    if (!ParcoursIllustrations->executeStep()) return false;
+    i->No = Entier(*ParcoursIllustrations, 0);
+    i->NoEven = Entier(*ParcoursIllustrations, 1);
+    i->SetChemin(TexteColonne(*ParcoursIllustrations, 2));
+    return true;
+  });
+}
+
+void TModuleBDD::EndParcoursIllustrations() { ParcoursIllustrations.reset(); }
+
 }  // namespace rqbase
