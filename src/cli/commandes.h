@@ -10,5 +10,6 @@ void AjouteCommandesCatalogue(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesNotes(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesLieux(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesEvenements(CLI::App& app, TContexteCli& ctx);
+void AjouteCommandesNoms(CLI::App& app, TContexteCli& ctx);
 
 }  // namespace rqcli

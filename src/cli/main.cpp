@@ -97,6 +97,7 @@ int main(int argc, char** argv) {
   AjouteCommandesNotes(app, ctx);
   AjouteCommandesLieux(app, ctx);
   AjouteCommandesEvenements(app, ctx);
+  AjouteCommandesNoms(app, ctx);
 
   FranciseSousCommandes(app);
 

@@ -6,10 +6,17 @@
 namespace rqbase {
 namespace {
 
+// Textes des noms. 1800 : les particules, en capitales, chacune entre deux blancs ; "D" et "L"
+// sont les formes élidées (d', l'), dont l'apostrophe sépare ou est ôtée avant la recherche.
+constexpr TTexteRessource kTextesNoms[] = {
+    {1800, " D DE DES DU L LA LE LES DA DAL DAS DEL DELLA DELLE DEN DER DI DO DOS TEN TER VAN VON "},
+};
+
 const std::vector<TTexteRessource>& Table() {
   static const std::vector<TTexteRessource> table = [] {
     std::vector<TTexteRessource> t;
-    for (auto domaine : {TextesDossier(), TextesCalendriers(), TextesCatalogue()})
+    for (auto domaine : {TextesDossier(), TextesCalendriers(), TextesCatalogue(),
+                         std::span<const TTexteRessource>(kTextesNoms)})
       t.insert(t.end(), domaine.begin(), domaine.end());
     // Tri stable : si deux domaines donnaient le même numéro, le premier resterait.
     std::stable_sort(t.begin(), t.end(),

@@ -1,0 +1,31 @@
+// Les clés des noms : ce qu'un nom ou un prénom devient pour être rangé et comparé.
+//
+// Fonctions pures sur du texte Windows-1252, sans état. Toutes mettent en capitales par la
+// table des capitales nues (mode 2 de util/majuscules.h).
+#pragma once
+#include <string>
+
+namespace rqbase {
+
+// La clé d'un nom : capitales nues, puis seuls restent A à Z, le blanc et le trait d'union
+// (l'alphabet de Compress). Ce qui est entre parenthèses tombe, parenthèses comprises ; chaque
+// parenthèse, ouvrante ou fermante, fait basculer l'état : une fermante égarée ouvre donc un
+// passage sauté jusqu'à la parenthèse suivante. Chiffres, apostrophes, Æ et Œ tombent aussi.
+// Le texte s'arrête à son premier octet nul. Rend la clé et la range dans `nom`.
+// Exemple : "L'Écuyer (dit Martin)" -> "LECUYER " (le blanc d'avant la parenthèse reste).
+std::string NormaliseCle(std::string& nom);
+
+// Comparaison à trois issues sans tenir compte de la casse ni des accents (capitales nues) ;
+// à égalité seulement, les deux textes tels qu'ils sont départagent. Octets non signés.
+int strcmpIgnDiac(const char* a, const char* b);
+
+// Un texte sûr pour l'index : les caractères * ? , ( ) { } [ ] & " / = sont ôtés, puis chaque
+// suite de ';' devient un seul ';', puis chaque suite de blancs un seul blanc. Rien n'est
+// rogné aux bouts.
+std::string TransformeEnCaractereIndex(const std::string& texte);
+
+// La forme d'index d'un nom tel qu'il est tapé : PasseParticule, capitales nues, puis
+// TransformeEnCaractereIndex. "de la Tour" -> "TOUR".
+std::string FormatIndex(const std::string& nom);
+
+}  // namespace rqbase
