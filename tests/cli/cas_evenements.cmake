@@ -137,3 +137,9 @@ rq_cas(evenements 14_personne_absente CODE 1 ERREUR [=[rqbase : La personne 9 n'
 ]=] ARGS evenements Famille 9)
 rq_cas(evenements 15_personne_zero CODE 1 ERREUR [=[rqbase : La personne 0 n'existe pas dans ce dossier.
 ]=] ARGS evenements Famille 0)
+# Un dossier en lecture seule se lit, mais --reenregistrer est refusé sans rien toucher.
+rq_cas_action(evenements 16_protege chmod a-w Famille.rq2)
+rq_cas(evenements 17_lecture_seule MOTIF SORTIE [=[1<TAB>NAISSANCE<TAB>03/03/1850.*]=] ARGS evenements Famille 2)
+rq_cas(evenements 18_reenregistrer_refuse CODE 1 ERREUR [=[rqbase : Le dossier "Famille" est en lecture seule : rien n'a été changé.
+]=] ARGS evenements Famille 2 --reenregistrer)
+rq_cas_action(evenements 19_rend chmod u+w Famille.rq2)

@@ -168,6 +168,28 @@ TEST_F(ListesPersonneTest, LectureFiltreeParAnneeDonneUnePersonneReduite) {
   EXPECT_EQ(reduite.Enreg.LiensEvenement[2], 0);
 }
 
+TEST_F(ListesPersonneTest, PersonneSupprimeeNonCacheeEtLigneVide) {
+  const long a = Ajoute("A"), b = Ajoute("B");
+  TEvenement seul(Bdd), couple(Bdd), vide(Bdd);
+  seul.Enreg.SetLibelle("NAISSANCE");
+  seul.Enreg.NoPersA = a;
+  couple.Enreg.SetLibelle("MARIAGE");
+  couple.Enreg.NoPersA = b;
+  couple.Enreg.NoPersB = a;
+  vide.Enreg.NoPersA = a;  // ni libellé ni rien : refusée au chargement
+  for (TEvenement* e : {&seul, &couple, &vide}) Bdd->EnregistrementEven(e);
+  Supprime(a);
+  TPerson pa(Gest->FicPersons(), a);
+  TListesChps l;
+  ChargerLienChpsOfPerson(*Bdd, pa, l);
+  ASSERT_EQ(Libelles(l), (std::vector<std::string>{"NAISSANCE", "MARIAGE"}));
+  // Les données de couple d'une personne supprimée ne désignent plus le conjoint vivant.
+  EXPECT_EQ(l.Evens->Lit(1)->Enreg.NoPersA, -b);
+  EXPECT_EQ(l.Evens->Lit(1)->Enreg.NoPersB, -b);
+  EXPECT_EQ(l.Evens->Lit(0)->Enreg.NoPersA, 0);
+  EXPECT_EQ(pa.Enreg.LiensEvenement[2], 0);
+}
+
 TEST_F(ListesPersonneTest, CoupleDontLeConjointResteSupprimeResteCache) {
   const long a = Ajoute("A"), b = Ajoute("B");
   TEvenement seul(Bdd), couple(Bdd);
