@@ -623,7 +623,7 @@ namespace {
 
 // Les lignes d'une passe, lues d'abord en entier : les écritures qui suivent changent les
 // rangs, donc l'ordre de l'index que la lecture suit.
-std::vector<TLigne> LignesDePassse(TModuleBDD& bdd, bool passeB, long no) {
+std::vector<TLigne> LignesDeLaPasse(TModuleBDD& bdd, bool passeB, long no) {
   static const std::string sqlA = Select("WHERE \"NoPersA\" = ? ORDER BY \"RANG_A\", \"ID\"");
   static const std::string sqlB = Select("WHERE \"NoPersB\" = ? ORDER BY \"RANG_B\", \"ID\"");
   SQLite::Statement& q = bdd.Requete(passeB ? sqlB : sqlA);
@@ -641,7 +641,7 @@ void TModuleBDD::ParcoursChpsDePersonne(long no, const std::function<void(TEvene
   if (no < 1) return;
   Protege([&] {
     for (int passe = 0; passe < 2; ++passe) {
-      const std::vector<TLigne> lignes = LignesDePassse(*this, passe == 1, no);
+      const std::vector<TLigne> lignes = LignesDeLaPasse(*this, passe == 1, no);
       for (const TLigne& l : lignes) {
         // Première passe : au bout ; seconde : à la place que le rang du conjoint donne.
         const int pos = passe == 0 ? -1 : static_cast<int>(l.RangB) - 1;
@@ -682,7 +682,7 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
     if (!sansEffacement && no > 0) {
       for (int passe = 0; passe < 2; ++passe) {
         const bool passeB = passe == 1;
-        for (const TLigne& l : LignesDePassse(*this, passeB, no)) {
+        for (const TLigne& l : LignesDeLaPasse(*this, passeB, no)) {
           ChasseDuCache(passeB ? l.NoPersA : l.NoPersB);
           if (auto e = carteEvens.find(l.Id); e != carteEvens.end()) {
             EcritEven(e->second, &l, sansListes);
@@ -772,10 +772,13 @@ void TModuleBDD::EndParcoursChpsSimple() { ParcoursChps.reset(); }
 void TModuleBDD::MasquerChpsOfPerson(long no, bool restaure) {
   if (no <= 0) return;
   Protege([&] {
+    // Toutes les lignes d'une personne changent ensemble, ou aucune.
+    std::unique_ptr<SQLite::Transaction> bloc;
+    if (!EnImport()) bloc = std::make_unique<SQLite::Transaction>(Base());
     const long cherche = restaure ? -no : no;
     for (int passe = 0; passe < 2; ++passe) {
       const bool passeB = passe == 1;
-      for (const TLigne& l : LignesDePassse(*this, passeB, cherche)) {
+      for (const TLigne& l : LignesDeLaPasse(*this, passeB, cherche)) {
         const long autre = passeB ? l.NoPersA : l.NoPersB;
         // L'autre personne encore supprimée garde la ligne cachée (couple dont les deux
         // sont partis : le second retour la rendra).
@@ -792,6 +795,7 @@ void TModuleBDD::MasquerChpsOfPerson(long no, bool restaure) {
     }
     MasquerCitationsOfPerson(no, restaure);
     ChasseDuCache(no);
+    if (bloc) bloc->commit();
   });
 }
 
@@ -895,24 +899,26 @@ long TModuleBDD::ConvDateEnDateIndex(std::string_view date) {
   std::string s(date);
   if (s[2] == '.' && s[5] == '.') s[2] = s[5] = '/';
   std::replace(s.begin(), s.end(), '.', '0');
-  std::vector<std::string> parties;
-  size_t debut = 0;
-  for (;;) {
-    const size_t barre = s.find('/', debut);
-    parties.push_back(s.substr(debut, barre == std::string::npos ? std::string::npos : barre - debut));
-    if (barre == std::string::npos) break;
-    debut = barre + 1;
+  // Les trois premiers morceaux entre « / » (un morceau manquant est vide).
+  std::string_view parties[3];
+  std::string_view reste(s);
+  for (int i = 0; i < 3; ++i) {
+    const size_t barre = reste.find('/');
+    parties[i] = reste.substr(0, barre);
+    if (barre == std::string_view::npos) break;
+    reste.remove_prefix(barre + 1);
   }
-  while (parties.size() < 3) parties.emplace_back();
-  std::string jour = parties[0], mois = parties[1], annee = parties[2];
+  std::string_view jour = parties[0], mois = parties[1], annee = parties[2];
   if (s.size() == 19) annee = annee.substr(0, 4);
-  auto numerique = [](const std::string& t) {
+  auto numerique = [](std::string_view t) {
     return !t.empty() && std::all_of(t.begin(), t.end(), [](char c) { return c >= '0' && c <= '9'; });
   };
   if (!numerique(jour)) jour = "00";
   if (!numerique(mois)) mois = "00";
   if (!numerique(annee)) annee = "0000";
-  const std::string tout = annee + mois + jour;
+  std::string tout;
+  tout.reserve(annee.size() + mois.size() + jour.size());
+  tout.append(annee).append(mois).append(jour);
   long long v = 0;
   const auto [fin, erreur] = std::from_chars(tout.data(), tout.data() + tout.size(), v);
   // Un texte qui ne tient pas dans la colonne de 32 bits n'a pas de place dans l'index.
