@@ -20,6 +20,19 @@ void Exige(bool condition) {
   if (!condition) __builtin_trap();
 }
 
+// Les trois passes de la forme d'index faites l'une après l'autre, comme elles se lisent :
+// la passe unique de la bibliothèque doit donner la même chose.
+std::string TroisPasses(const std::string& texte) {
+  std::string s1, s2, s3;
+  for (char c : texte)
+    if (c == '\0' || std::strchr("*?,(){}[]&\"/=", c) == nullptr) s1 += c;
+  for (char c : s1)
+    if (c != ';' || s2.empty() || s2.back() != ';') s2 += c;
+  for (char c : s2)
+    if (c != ' ' || s3.empty() || s3.back() != ' ') s3 += c;
+  return s3;
+}
+
 bool DansLAlphabet(char c) { return (c >= 'A' && c <= 'Z') || c == ' ' || c == '-'; }
 
 }  // namespace
@@ -89,6 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* donnees, size_t taille) {
   for (char c : index) Exige(c == '\0' || std::strchr("*?,(){}[]&\"/=", c) == nullptr);
   Exige(index.find(";;") == std::string::npos && index.find("  ") == std::string::npos);
   Exige(TransformeEnCaractereIndex(index) == index);
+  Exige(TransformeEnCaractereIndex(texte) == TroisPasses(texte));
 
   // Prénom usuel : le texte ne fait que raccourcir ; marqué puis relu, le rang revient.
   std::vector<char> prenoms(cTexte.begin(), cTexte.end());

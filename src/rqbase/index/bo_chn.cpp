@@ -32,19 +32,19 @@ int strcmpIgnDiac(const char* a, const char* b) {
 
 std::string TransformeEnCaractereIndex(const std::string& texte) {
   static constexpr char kOtes[] = "*?,(){}[]&\"/=";
-  std::string sansOtes;
-  sansOtes.reserve(texte.size());
-  for (const char c : texte)
-    if (c == '\0' || std::strchr(kOtes, c) == nullptr) sansOtes += c;
-  // Les ';' d'abord, les blancs ensuite : "A; ;B" garde ses deux ';'.
-  std::string r;
-  r.reserve(sansOtes.size());
-  for (const char c : sansOtes)
-    if (c != ';' || r.empty() || r.back() != ';') r += c;
+  // Les trois passes (ôter, replier les ';', replier les blancs) en une seule : chaque passe
+  // juge sur ce que la précédente a gardé, d'où le dernier caractère gardé après les ';'.
+  // Ainsi "A; ;B" garde ses deux ';', et "A;(;B" n'en garde qu'un.
   std::string sortie;
-  sortie.reserve(r.size());
-  for (const char c : r)
-    if (c != ' ' || sortie.empty() || sortie.back() != ' ') sortie += c;
+  sortie.reserve(texte.size());
+  char dernierApresPointsVirgules = '\0';
+  for (const char c : texte) {
+    if (c != '\0' && std::strchr(kOtes, c) != nullptr) continue;
+    if (c == ';' && dernierApresPointsVirgules == ';') continue;
+    dernierApresPointsVirgules = c;
+    if (c == ' ' && !sortie.empty() && sortie.back() == ' ') continue;
+    sortie += c;
+  }
   return sortie;
 }
 
