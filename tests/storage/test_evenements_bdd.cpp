@@ -422,6 +422,13 @@ TEST_F(EvenementsBddTest, UneRequeteQuiEchoueDonneLeMessageFrancaisEtGardeLeVali
   s.SetType("Acte");
   EXPECT_THAT([&] { Bdd->EnregistrementSource(&s); },
               ::testing::ThrowsMessage<ERqBase>(StartsWith("Une erreur s'est produite sur la base Famille.adb")));
+  // Une personne dont l'enregistrement échoue au milieu ne laisse aucune de ses lignes.
+  TEvenement a = Naissance(9), b = Naissance(9);
+  b.Enreg.SourcesChargees = true;  // sa liste de sources ira dans la table disparue
+  b.Enreg.AjoutSource(1);
+  std::vector<TEvenement*> evens{&a, &b};
+  EXPECT_THROW(Bdd->EnregistrerChpsDePersonne(9, evens, {}), ERqBase);
+  EXPECT_EQ(Bdd->GetNbEvenementPers(9), 0);
   Bdd.reset();
   TModuleBDD relue(Adb, "5.90");
   ASSERT_TRUE(relue.OpenDataBase());

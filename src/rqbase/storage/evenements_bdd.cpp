@@ -187,6 +187,29 @@ bool MemesColonnesChps(const TLigne& n, const TLigne& lu, const TLigne& brut) {
          n.Type == brut.Type && n.DonneeIdx == brut.DonneeIdx && n.RangA == brut.RangA && n.RangB == brut.RangB;
 }
 
+// Une transaction par les requêtes gardées de la base : BEGIN et COMMIT ne sont pas relus à
+// chaque personne enregistrée. Défaite à la destruction si elle n'a pas été validée.
+class TBloc {
+ public:
+  explicit TBloc(TModuleBDD& bdd) : Bdd(bdd) { Bdd.Requete("BEGIN").exec(); }
+  ~TBloc() {
+    if (!Ouvert) return;
+    try {
+      Bdd.Requete("ROLLBACK").tryExecuteStep();
+    } catch (...) {
+      // Un destructeur ne lève pas ; la connexion perdue a déjà tout défait.
+    }
+  }
+  void Valide() {
+    Bdd.Requete("COMMIT").exec();
+    Ouvert = false;
+  }
+
+ private:
+  TModuleBDD& Bdd;
+  bool Ouvert = true;
+};
+
 // Les fils nommés lisent par leur propre curseur (voir LectureEven).
 bool FilDeFond(const std::string& nom) { return nom == "ThreadBirthday" || nom == "ThreadUpdateDistCum"; }
 
@@ -666,8 +689,8 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
   Protege([&] {
     // Une personne s'écrit d'un bloc : une panne au milieu ne laisse pas la moitié de ses
     // lignes, et une seule écriture durable suffit. En import, le paquet en cours s'en charge.
-    std::unique_ptr<SQLite::Transaction> bloc;
-    if (!EnImport()) bloc = std::make_unique<SQLite::Transaction>(Base());
+    std::unique_ptr<TBloc> bloc;
+    if (!EnImport()) bloc = std::make_unique<TBloc>(*this);
     std::map<long, TEvenement*> carteEvens;
     std::map<long, TChpsSimple*> carteChps;
     for (size_t i = 0; i < evens.size(); ++i) {
@@ -707,7 +730,7 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
       if (ev->Enreg.No <= 0 || !faits.count(ev->Enreg.No)) EnregistrementEven(ev);
     for (TChpsSimple* chp : chps)
       if (chp->Enreg.No <= 0 || !faits.count(chp->Enreg.No)) EnregistrementChpsSimple(chp);
-    if (bloc) bloc->commit();
+    if (bloc) bloc->Valide();
   });
   return LignesEcrites - avant;
 }
