@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "rqbase/storage/contexte_dossier.h"
 #include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/storage/evenement.h"
 
@@ -268,6 +269,34 @@ TEST_F(SourcesBddTest, NumerosDecalesParcoursEtRangsDeConversion) {
   Bdd->ConversionSetRangCitation(70, 104, 9);
   Bdd->ChargerCitationsDePersonne(70, citations);
   EXPECT_EQ(citations, (std::vector<long>{105, 104}));
+}
+
+TEST_F(SourcesBddTest, EnregistrementRefuseParUnDossierQuiNePeutPasEcrire) {
+  TContexteDossier contexte((Racine / "Famille.rq2" / "Famille.prs").string());
+  Bdd->Contexte = &contexte;
+  TIllustration i(Bdd.get());
+  i.NoEven = Ev.No();
+  i.SetChemin((Racine / "Famille.rq2").string() + "/Images/photo.jpg");
+  EXPECT_TRUE(i.Enregistrement());
+  EXPECT_EQ(TIllustration(Bdd.get(), i.No).Enreg.Chemin, "Images/photo.jpg");  // rendu relatif
+  const long avant = Compte("SELECT COUNT(*) FROM Evenements") + Compte("SELECT COUNT(*) FROM Sources");
+  contexte.SetReadOnly(true);
+  TEvenement ev(Bdd.get());
+  ev.Enreg.SetLibelle("DECES");
+  TSource s(Bdd.get());
+  s.SetType("Acte");
+  TChpsSimple c(Bdd.get());
+  c.Enreg.SetLibelle("TITRE");
+  EXPECT_FALSE(ev.Enregistrement());
+  EXPECT_FALSE(s.Enregistrement());
+  EXPECT_FALSE(c.Enregistrement());
+  contexte.SetReadOnly(false);
+  contexte.FixeErreur(true);
+  EXPECT_FALSE(ev.Enregistrement());
+  EXPECT_EQ(Compte("SELECT COUNT(*) FROM Evenements") + Compte("SELECT COUNT(*) FROM Sources"), avant);
+  contexte.FixeErreur(false);
+  EXPECT_TRUE(ev.Enregistrement());
+  Bdd->Contexte = nullptr;
 }
 
 TEST_F(SourcesBddTest, IllustrationsNonUtiliseesListeesPuisEffacees) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "rqbase/storage/contexte_dossier.h"
 #include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/util/chaines.h"
 
@@ -28,6 +29,18 @@ long NoConjointDe(long pa, long pb, long a) {
   if (pa == a) return pb;
   if (pb == a) return pa;
   return 0;
+}
+
+// Une écriture n'a lieu que dans une base ouverte en écriture, d'un dossier qui peut écrire.
+bool PeutEcrire(TModuleBDD* bdd) {
+  if (!bdd || !bdd->EstOuverte() || bdd->EstEnLectureSeule()) return false;
+  return !bdd->Contexte || bdd->Contexte->PeutEcrire();
+}
+
+std::string DossierDe(const TModuleBDD& bdd) {
+  const std::string& adb = bdd.GetCheminAdb();
+  const size_t slash = adb.find_last_of('/');
+  return slash == std::string::npos ? std::string(".") : adb.substr(0, slash);
 }
 
 }  // namespace
@@ -156,6 +169,12 @@ TEvenement::TEvenement(TModuleBDD* bdd, long no) : Bdd(bdd) {
   }
 }
 
+bool TEvenement::Enregistrement() {
+  if (!PeutEcrire(Bdd)) return false;
+  Bdd->EnregistrementEven(this);
+  return true;
+}
+
 int32_t* TEvenement::Illustration() {
   if (!Enreg.IllustrationsChargees && Bdd) Bdd->ChargerIllustrationOfEven(&Enreg);
   return Enreg.Illustrations;
@@ -194,7 +213,27 @@ TChpsSimple::TChpsSimple(TModuleBDD* bdd, long no) : Bdd(bdd) {
   }
 }
 
+bool TChpsSimple::Enregistrement() {
+  if (!PeutEcrire(Bdd)) return false;
+  Bdd->EnregistrementChpsSimple(this);
+  return true;
+}
+
 // --- TSource, TIllustration ---
+
+bool TSource::Enregistrement() {
+  if (!PeutEcrire(Bdd)) return false;
+  Bdd->EnregistrementSource(this);
+  return true;
+}
+
+bool TIllustration::Enregistrement() {
+  if (!PeutEcrire(Bdd)) return false;
+  const std::string dossier = DossierDe(*Bdd) + "/";
+  if (Enreg.Chemin.compare(0, dossier.size(), dossier) == 0) SetChemin(Enreg.Chemin.substr(dossier.size()));
+  Bdd->EnregistrementIllustration(this);
+  return true;
+}
 
 TSource::TSource(TModuleBDD* bdd, long no) : Bdd(bdd) {
   if (no > 0 && Bdd) {
@@ -217,9 +256,7 @@ std::string TIllustration::GetExpandFilename() const {
   std::string chemin = Enreg.Chemin;
   std::replace(chemin.begin(), chemin.end(), '\\', '/');
   if (!Bdd || chemin.empty() || chemin[0] == '/') return chemin;
-  const std::string& adb = Bdd->GetCheminAdb();
-  const size_t slash = adb.find_last_of('/');
-  return (slash == std::string::npos ? std::string(".") : adb.substr(0, slash)) + "/" + chemin;
+  return DossierDe(*Bdd) + "/" + chemin;
 }
 
 }  // namespace rqbase

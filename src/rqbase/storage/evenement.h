@@ -122,6 +122,9 @@ class TEvenement {
   }
   bool InfoRangValide() const { return NoPers != -1 && Rang != -1; }
   long No() const { return Enreg.No; }
+  // Écrit l'événement (EnregistrementEven) ; false sans rien écrire pour une base absente ou
+  // en lecture seule, un dossier en lecture seule ou en erreur.
+  bool Enregistrement();
 
   // Listes chargées au premier usage depuis la base (sans base : telles quelles).
   int32_t* Illustration();
@@ -162,6 +165,7 @@ class TChpsSimple {
   }
   bool InfoRangValide() const { return NoPers != -1 && Rang != -1; }
   long No() const { return Enreg.No; }
+  bool Enregistrement();  // mêmes refus que TEvenement::Enregistrement
 
   TModuleBDD* Bdd;
   long NoPers = -1;
@@ -180,6 +184,7 @@ class TSource {
   bool Vide() const { return Enreg.Type.empty() && Enreg.Descriptif.empty(); }
   void SetType(std::string_view t);
   void SetDescriptif(std::string_view d);
+  bool Enregistrement();  // mêmes refus que TEvenement::Enregistrement
 
   TModuleBDD* Bdd;
   long No = 0;
@@ -200,6 +205,9 @@ class TIllustration {
   // Le chemin absolu : le dossier de la base suivi du chemin (« \ » lu « / »), que le fichier
   // existe ou non ; un chemin déjà absolu est rendu tel quel. Sans base : le chemin seul.
   std::string GetExpandFilename() const;
+  // Mêmes refus que TEvenement::Enregistrement ; un chemin absolu pris dans le dossier y est
+  // d'abord rendu relatif (« Images/... »).
+  bool Enregistrement();
 
   TModuleBDD* Bdd;
   long No = 0;
