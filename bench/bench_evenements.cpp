@@ -25,15 +25,14 @@ namespace {
 namespace fs = std::filesystem;
 using namespace rqbase;
 
-
 long LignesVoulues() {
   const char* v = std::getenv("RQ_BENCH_LIGNES");
   const long n = v ? std::atol(v) : 5'000'000L;
   return n >= 100 ? n : 5'000'000L;
 }
 
-const char* const kLibelles[] = {"NAISSANCE", "BAPTEME", "RECENSEMENT", "RESIDENCE", "DECES", "INHUMATION",
-                                 "TESTAMENT"};
+const char* const kLibelles[] = {"NAISSANCE", "BAPTEME",    "RECENSEMENT", "RESIDENCE",
+                                 "DECES",     "INHUMATION", "TESTAMENT"};
 
 // Les lignes d'une personne, comme un import les donne.
 void EcritPersonne(TModuleBDD& bdd, long no) {
@@ -126,7 +125,8 @@ void BM_ChargerPersonneAuHasard(benchmark::State& etat) {
     ChargerLienChpsOfPerson(*b.Bdd, p, l);
     evens += l.Evens->GetNbElt() + l.Chps->GetNbElt();
   }
-  etat.counters["lignes_par_personne"] = benchmark::Counter(static_cast<double>(evens), benchmark::Counter::kAvgIterations);
+  etat.counters["lignes_par_personne"] =
+      benchmark::Counter(static_cast<double>(evens), benchmark::Counter::kAvgIterations);
   etat.counters["lignes_base"] = static_cast<double>(b.Lignes);
   if (b.SecondesConstruction > 0) etat.counters["construction_s"] = b.SecondesConstruction;
 }
@@ -230,26 +230,26 @@ void BM_ImportDirectSQLite(benchmark::State& etat) {
     etat.ResumeTiming();
     SQLite::Database& base = v.Bdd->Base();
     {
-    SQLite::Transaction tr(base);
-    SQLite::Statement q(base,
-                        "INSERT INTO Evenements (Type, LibelleChamps, Donnee, NoPersA, NoPersB, Acte, TypeCalend, "
-                        "\"Date\", Lieu, LieuDit, Note, NoIllustrationParDefaut, LienExtEven, _DONNEE, _DATE, "
-                        "RANG_A, RANG_B) VALUES (0, ?, ?, ?, 0, '', 'G', ?, ?, 'Le Bourg', 0, 0, 0, ?, ?, ?, 0)");
-    for (long i = 0; i < kLignesImport; ++i) {
-      const std::string donnee = "donnée de la personne " + std::to_string(i / 10);
-      const std::string annee = std::to_string(1700 + i % 250);
-      q.bind(1, kLibelles[i % 7]);
-      q.bind(2, donnee);
-      q.bind(3, static_cast<int64_t>(i / 10 + 1));
-      q.bind(4, "12/03/" + annee);
-      q.bind(5, static_cast<int64_t>(i % 5000));
-      q.bind(6, donnee.substr(0, 20));
-      q.bind(7, static_cast<int64_t>(std::stol(annee) * 10000 + 312));
-      q.bind(8, static_cast<int64_t>(i % 10 + 1));
-      q.exec();
-      q.reset();
-    }
-    tr.commit();
+      SQLite::Transaction tr(base);
+      SQLite::Statement q(base,
+                          "INSERT INTO Evenements (Type, LibelleChamps, Donnee, NoPersA, NoPersB, Acte, TypeCalend, "
+                          "\"Date\", Lieu, LieuDit, Note, NoIllustrationParDefaut, LienExtEven, _DONNEE, _DATE, "
+                          "RANG_A, RANG_B) VALUES (0, ?, ?, ?, 0, '', 'G', ?, ?, 'Le Bourg', 0, 0, 0, ?, ?, ?, 0)");
+      for (long i = 0; i < kLignesImport; ++i) {
+        const std::string donnee = "donnée de la personne " + std::to_string(i / 10);
+        const std::string annee = std::to_string(1700 + i % 250);
+        q.bind(1, kLibelles[i % 7]);
+        q.bind(2, donnee);
+        q.bind(3, static_cast<int64_t>(i / 10 + 1));
+        q.bind(4, "12/03/" + annee);
+        q.bind(5, static_cast<int64_t>(i % 5000));
+        q.bind(6, donnee.substr(0, 20));
+        q.bind(7, static_cast<int64_t>(std::stol(annee) * 10000 + 312));
+        q.bind(8, static_cast<int64_t>(i % 10 + 1));
+        q.exec();
+        q.reset();
+      }
+      tr.commit();
     }
     etat.PauseTiming();
     vide.reset();

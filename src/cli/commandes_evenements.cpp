@@ -39,8 +39,7 @@ struct TOptionsEvenements {
 // lieux et des notes qui annulent à la lecture un renvoi au-delà de leur fin.
 TModuleBDD& BaseReliee(TGestFichier& gest) {
   TModuleBDD* bdd = gest.ModuleBDD();
-  if (!bdd || !bdd->EstOuverte())
-    throw ERqBase("La base des événements de ce dossier ne peut pas être ouverte.");
+  if (!bdd || !bdd->EstOuverte()) throw ERqBase("La base des événements de ce dossier ne peut pas être ouverte.");
   bdd->Contexte = &gest;
   if (TFicDupli* lie = gest.FicLie()) bdd->NbLieux = [lie] { return lie->NbFiches(); };
   if (rqbase::TFicNotes* notes = gest.FicNotes()) bdd->NbNotes = [notes] { return notes->NbBlocs(); };
@@ -153,7 +152,8 @@ void Evenements(TContexteCli& ctx, const TOptionsEvenements& o) {
 
 void AjouteCommandesEvenements(CLI::App& app, TContexteCli& ctx) {
   static TOptionsEvenements o;
-  auto* c = app.add_subcommand("evenements", U("Événements et champs simples d'une personne, tels que la base les charge"));
+  auto* c =
+      app.add_subcommand("evenements", U("Événements et champs simples d'une personne, tels que la base les charge"));
   c->add_option("DOSSIER", o.Chemin, U("Dossier .rq2 ou fichier .prs"))->required();
   c->add_option("N", o.Numero, U("Numéro de la personne"))->required();
   c->add_flag("--reenregistrer", o.Reenregistrer,

@@ -136,9 +136,11 @@ TEST_F(ListesPersonneTest, LectureFiltreeParAnneeDonneUnePersonneReduite) {
   TListesChps l;
   l.Evens = std::make_unique<TVectorTV<TEvenementTV>>();
   l.Chps = std::make_unique<TVectorTV<TChpsSimpleTV>>();
-  for (const auto& [lib, date] : std::vector<std::pair<const char*, const char*>>{
-           {"NAISSANCE", "01/01/1850"}, {"SANS_DATE_1", ""}, {"RETRAITE", "01/01/1950"}, {"SANS_DATE_2", ""},
-           {"RECENSEMENT", "01/01/1880"}}) {
+  for (const auto& [lib, date] : std::vector<std::pair<const char*, const char*>>{{"NAISSANCE", "01/01/1850"},
+                                                                                  {"SANS_DATE_1", ""},
+                                                                                  {"RETRAITE", "01/01/1950"},
+                                                                                  {"SANS_DATE_2", ""},
+                                                                                  {"RECENSEMENT", "01/01/1880"}}) {
     TEvenementTV e = Even(lib, date, no);
     e.Enreg.SetDonnee("x");  // un événement sans date n'est pas vide pour autant
     l.Evens->Ajoute(e);

@@ -21,9 +21,8 @@ using ::testing::StartsWith;
 class EvenementsBddTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    Racine = fs::temp_directory_path() /
-             ("rq_evens_" + std::to_string(::getpid()) + "_" +
-              ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    Racine = fs::temp_directory_path() / ("rq_evens_" + std::to_string(::getpid()) + "_" +
+                                          ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(Racine);
     Adb = (Racine / "Famille.rq2" / "Famille.adb").string();
     Bdd = std::make_unique<TModuleBDD>(Adb, "5.90");
@@ -68,12 +67,13 @@ TEST(DateIndex, TexteDeDateVersEntierAAAAMMJJ) {
     const char* date;
     long attendu;
   } lignes[] = {
-      {"../../1850", 18500000}, {"12/03/1850", 18500312}, {"../03/1850", 18500300},
-      {"1850", 0},              {"12/03/185", 0},         {"01/05/2019 12:30:00", 20190501},
-      {"xx/03/1850", 18500300}, {"12/03/abcd", 312},      {"1850/1860 ", 1850},  // voulu : une fourchette se lit jour 1850, mois et année nuls
+      {"../../1850", 18500000}, {"12/03/1850", 18500312},          {"../03/1850", 18500300}, {"1850", 0},
+      {"12/03/185", 0},         {"01/05/2019 12:30:00", 20190501}, {"xx/03/1850", 18500300}, {"12/03/abcd", 312},
+      {"1850/1860 ", 1850},  // voulu : une fourchette se lit jour 1850, mois et année nuls
       {"....../1850", 0},
   };
-  for (const auto& l : lignes) EXPECT_EQ(TModuleBDD::ConvDateEnDateIndex(std::string_view(l.date)), l.attendu) << l.date;
+  for (const auto& l : lignes)
+    EXPECT_EQ(TModuleBDD::ConvDateEnDateIndex(std::string_view(l.date)), l.attendu) << l.date;
   // Républicain et hébreu passent par le grégorien ; une date sans jour garde son année.
   EXPECT_EQ(TModuleBDD::ConvDateEnDateIndex(TDateRQ('R', "01/VEND/01")), 17920922);
   EXPECT_EQ(TModuleBDD::ConvDateEnDateIndex(TDateRQ('H', "30/06/5784")), 20240310);
@@ -173,8 +173,10 @@ TEST_F(EvenementsBddTest, LignesAbimeesSeLisentSansPlantageEtNeSontPasReecritesS
   Bdd->Base().exec(
       "INSERT INTO Evenements (ID, Type, LibelleChamps, Donnee, NoPersA, NoPersB, Acte, TypeCalend, \"Date\", Lieu, "
       "LieuDit, Note, _DONNEE, _DATE) VALUES "
-      "(1, 0, '  BAPTEME  ', '" + std::string(150, 'x') + "', 8, 0, 'abc', '', '01/02/1900xyz', 11, '" +
-      std::string(80, 'y') + "', 4, '" + std::string(20, 'x') + "', 19000201),"
+      "(1, 0, '  BAPTEME  ', '" +
+      std::string(150, 'x') + "', 8, 0, 'abc', '', '01/02/1900xyz', 11, '" + std::string(80, 'y') + "', 4, '" +
+      std::string(20, 'x') +
+      "', 19000201),"
       "(2, 0, 'DECES', 'texte', 8, 0, '', 'G', '01/02/1900', -5, '', -1, 'texte', 0),"
       "(3, 0, 'DECES', 'texte', 8, 0, '', 'G', '01/02/1900', 99999999999, 'ok', 'abc', 'texte', 0),"
       "(4, 0, 'DECES', X'00FF', 8, 0, '', 'G', '', 10, '', 3, '', 0)");

@@ -53,9 +53,8 @@ TEST(ListesEvenement, TroisReglesDAjoutDifferentes) {
 class SourcesBddTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    Racine = fs::temp_directory_path() /
-             ("rq_sources_" + std::to_string(::getpid()) + "_" +
-              ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    Racine = fs::temp_directory_path() / ("rq_sources_" + std::to_string(::getpid()) + "_" +
+                                          ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(Racine);
     Bdd = std::make_unique<TModuleBDD>((Racine / "Famille.rq2" / "Famille.adb").string(), "5.90");
     ASSERT_TRUE(Bdd->CreateDataBase());

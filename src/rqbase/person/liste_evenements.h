@@ -99,8 +99,7 @@ void TermineRecompacter(TPerson& p, TListesChps& l);
 
 // Les listes de la personne depuis la base (voir l'en-tête). `recharger` rafraîchit
 // ensuite le double de la personne dans le cache.
-void ChargerLienChpsOfPerson(TModuleBDD& bdd, TPerson& p, TListesChps& l, int filtreAnnee = 0,
-                             bool recharger = false);
+void ChargerLienChpsOfPerson(TModuleBDD& bdd, TPerson& p, TListesChps& l, int filtreAnnee = 0, bool recharger = false);
 // Recharge les listes depuis la base, comme ChargerLienChpsOfPerson.
 inline void RechargerTableEvenementTV(TModuleBDD& bdd, TPerson& p, TListesChps& l, int filtreAnnee = 0,
                                       bool recharger = false) {

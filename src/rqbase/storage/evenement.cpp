@@ -23,8 +23,12 @@ void RetireEtRemonte(T* table, int taille, int i) {
   table[taille - 1] = T();
 }
 
-bool IsCoupleDe(long pa, long pb, long a, long b) { return (pa == a && pb == b) || (pa == b && pb == a); }
-bool IsPersCoupleDe(long pa, long pb, long a) { return pa == a || pb == a || (pb < 1 && a < 1); }
+bool IsCoupleDe(long pa, long pb, long a, long b) {
+  return (pa == a && pb == b) || (pa == b && pb == a);
+}
+bool IsPersCoupleDe(long pa, long pb, long a) {
+  return pa == a || pb == a || (pb < 1 && a < 1);
+}
 long NoConjointDe(long pa, long pb, long a) {
   if (pa == a) return pb;
   if (pb == a) return pa;
@@ -67,13 +71,25 @@ bool TEvenement::TEnreg::Vide() const {
          Note == 0 && CountSource() == 0 && CountIllustration() == 0 && CountPersAssociee() == 0;
 }
 
-void TEvenement::TEnreg::SetLibelle(std::string_view libelle) { Libelle = Coupe(Trim(libelle), kLgLibelle); }
-void TEvenement::TEnreg::SetDonnee(std::string_view donnee) { Donnee = Coupe(donnee, kLgDonnee); }
-void TEvenement::TEnreg::SetLieuDit(std::string_view lieuDit) { LieuDit = Coupe(lieuDit, kLgLieuDit); }
+void TEvenement::TEnreg::SetLibelle(std::string_view libelle) {
+  Libelle = Coupe(Trim(libelle), kLgLibelle);
+}
+void TEvenement::TEnreg::SetDonnee(std::string_view donnee) {
+  Donnee = Coupe(donnee, kLgDonnee);
+}
+void TEvenement::TEnreg::SetLieuDit(std::string_view lieuDit) {
+  LieuDit = Coupe(lieuDit, kLgLieuDit);
+}
 
-bool TEvenement::TEnreg::IsCouple(long a, long b) const { return IsCoupleDe(NoPersA, NoPersB, a, b); }
-bool TEvenement::TEnreg::IsPersCouple(long a) const { return IsPersCoupleDe(NoPersA, NoPersB, a); }
-long TEvenement::TEnreg::NoConjoint(long a) const { return NoConjointDe(NoPersA, NoPersB, a); }
+bool TEvenement::TEnreg::IsCouple(long a, long b) const {
+  return IsCoupleDe(NoPersA, NoPersB, a, b);
+}
+bool TEvenement::TEnreg::IsPersCouple(long a) const {
+  return IsPersCoupleDe(NoPersA, NoPersB, a);
+}
+long TEvenement::TEnreg::NoConjoint(long a) const {
+  return NoConjointDe(NoPersA, NoPersB, a);
+}
 
 int TEvenement::TEnreg::AjoutSource(long id) {
   // Voulu : pas de recherche de doublon, la même source peut être citée deux fois.
@@ -85,7 +101,9 @@ int TEvenement::TEnreg::AjoutSource(long id) {
   return -1;
 }
 
-void TEvenement::TEnreg::SupprSource(int i) { RetireEtRemonte(Sources, kNbSourcesEven, i); }
+void TEvenement::TEnreg::SupprSource(int i) {
+  RetireEtRemonte(Sources, kNbSourcesEven, i);
+}
 
 int TEvenement::TEnreg::AjoutIllustration(long id) {
   const int deja = ChercheRgNoIllustration(id);
@@ -98,7 +116,9 @@ int TEvenement::TEnreg::AjoutIllustration(long id) {
   return -1;
 }
 
-void TEvenement::TEnreg::SupprIllustration(int i) { RetireEtRemonte(Illustrations, kNbIllustrationsEven, i); }
+void TEvenement::TEnreg::SupprIllustration(int i) {
+  RetireEtRemonte(Illustrations, kNbIllustrationsEven, i);
+}
 
 void TEvenement::TEnreg::SetIllustration(int i, long id) {
   if (i >= 0 && i < kNbIllustrationsEven) Illustrations[i] = static_cast<int32_t>(id);
@@ -199,12 +219,24 @@ void TEvenement::ChargerTableauxBDD() {
 
 // --- TChpsSimple ---
 
-bool TChpsSimple::TEnreg::Vide() const { return Trim(Libelle).empty() && Trim(Donnee).empty(); }
-void TChpsSimple::TEnreg::SetLibelle(std::string_view libelle) { Libelle = Coupe(Trim(libelle), kLgLibelle); }
-void TChpsSimple::TEnreg::SetDonnee(std::string_view donnee) { Donnee = Coupe(donnee, kLgDonnee); }
-bool TChpsSimple::TEnreg::IsCouple(long a, long b) const { return IsCoupleDe(NoPersA, NoPersB, a, b); }
-bool TChpsSimple::TEnreg::IsPersCouple(long a) const { return IsPersCoupleDe(NoPersA, NoPersB, a); }
-long TChpsSimple::TEnreg::NoConjoint(long a) const { return NoConjointDe(NoPersA, NoPersB, a); }
+bool TChpsSimple::TEnreg::Vide() const {
+  return Trim(Libelle).empty() && Trim(Donnee).empty();
+}
+void TChpsSimple::TEnreg::SetLibelle(std::string_view libelle) {
+  Libelle = Coupe(Trim(libelle), kLgLibelle);
+}
+void TChpsSimple::TEnreg::SetDonnee(std::string_view donnee) {
+  Donnee = Coupe(donnee, kLgDonnee);
+}
+bool TChpsSimple::TEnreg::IsCouple(long a, long b) const {
+  return IsCoupleDe(NoPersA, NoPersB, a, b);
+}
+bool TChpsSimple::TEnreg::IsPersCouple(long a) const {
+  return IsPersCoupleDe(NoPersA, NoPersB, a);
+}
+long TChpsSimple::TEnreg::NoConjoint(long a) const {
+  return NoConjointDe(NoPersA, NoPersB, a);
+}
 
 TChpsSimple::TChpsSimple(TModuleBDD* bdd, long no) : Bdd(bdd) {
   if (no > 0 && Bdd) {
@@ -241,8 +273,12 @@ TSource::TSource(TModuleBDD* bdd, long no) : Bdd(bdd) {
     Bdd->LectureSource(this);
   }
 }
-void TSource::SetType(std::string_view t) { Enreg.Type = Coupe(t, kLgTypeSource); }
-void TSource::SetDescriptif(std::string_view d) { Enreg.Descriptif = Coupe(d, kLgDescriptifSource); }
+void TSource::SetType(std::string_view t) {
+  Enreg.Type = Coupe(t, kLgTypeSource);
+}
+void TSource::SetDescriptif(std::string_view d) {
+  Enreg.Descriptif = Coupe(d, kLgDescriptifSource);
+}
 
 TIllustration::TIllustration(TModuleBDD* bdd, long no) : Bdd(bdd) {
   if (no > 0 && Bdd) {
@@ -250,7 +286,9 @@ TIllustration::TIllustration(TModuleBDD* bdd, long no) : Bdd(bdd) {
     Bdd->LectureIllustration(this);
   }
 }
-void TIllustration::SetChemin(std::string_view c) { Enreg.Chemin = Coupe(c, kLgChemin); }
+void TIllustration::SetChemin(std::string_view c) {
+  Enreg.Chemin = Coupe(c, kLgChemin);
+}
 
 std::string TIllustration::GetExpandFilename() const {
   std::string chemin = Enreg.Chemin;

@@ -30,7 +30,9 @@ constexpr const char* kColonnes =
     "\"Date\", \"Lieu\", \"LieuDit\", \"Note\", \"NoIllustrationParDefaut\", \"LienExtEven\", \"_DONNEE\", "
     "\"_DATE\", \"RANG_A\", \"RANG_B\"";
 
-std::string Select(const char* suite) { return std::string("SELECT ") + kColonnes + " FROM \"Evenements\" " + suite; }
+std::string Select(const char* suite) {
+  return std::string("SELECT ") + kColonnes + " FROM \"Evenements\" " + suite;
+}
 
 }  // namespace
 
@@ -61,7 +63,9 @@ long Entier(SQLite::Statement& q, int col) {
   return v < INT32_MIN || v > INT32_MAX ? 0 : static_cast<long>(v);
 }
 
-std::string Texte(SQLite::Statement& q, int col) { return TModuleBDD::TexteColonne(q, col); }
+std::string Texte(SQLite::Statement& q, int col) {
+  return TModuleBDD::TexteColonne(q, col);
+}
 
 TLigne LitLigne(SQLite::Statement& q) {
   TLigne l;
@@ -87,10 +91,14 @@ TLigne LitLigne(SQLite::Statement& q) {
   return l;
 }
 
-std::string Coupe(std::string_view t, size_t n) { return std::string(t.substr(0, std::min(t.size(), n))); }
+std::string Coupe(std::string_view t, size_t n) {
+  return std::string(t.substr(0, std::min(t.size(), n)));
+}
 
 // Le texte "%c" du calendrier ; le caractère nul n'écrit rien.
-std::string TexteCalendrier(char c) { return c == 0 ? std::string() : std::string(1, c); }
+std::string TexteCalendrier(char c) {
+  return c == 0 ? std::string() : std::string(1, c);
+}
 
 // Un calendrier vide se relit '?', qu'une copie de date change en 'G' : trois écritures
 // d'une même valeur, qui ne comptent pas comme un changement.
@@ -161,8 +169,8 @@ bool MemesColonnesEven(const TLigne& n, const TLigne& lu, const TLigne& brut) {
   return n.Libelle == lu.Libelle && n.Donnee == lu.Donnee && n.NoPersA == lu.NoPersA && n.NoPersB == lu.NoPersB &&
          n.Acte == lu.Acte && MemeCalendrier(n.Calend, lu.Calend) && n.Date == lu.Date && n.Lieu == lu.Lieu &&
          n.LieuDit == lu.LieuDit && n.Note == lu.Note && n.NoIll == lu.NoIll && n.LienExt == lu.LienExt &&
-         n.Type == brut.Type && n.DonneeIdx == brut.DonneeIdx && n.DateIdx == brut.DateIdx &&
-         n.RangA == brut.RangA && n.RangB == brut.RangB;
+         n.Type == brut.Type && n.DonneeIdx == brut.DonneeIdx && n.DateIdx == brut.DateIdx && n.RangA == brut.RangA &&
+         n.RangB == brut.RangB;
 }
 
 // Ce qui s'écrit d'une ligne changée : colonne par colonne, une valeur que l'objet n'a pas
@@ -211,7 +219,9 @@ class TBloc {
 };
 
 // Les fils nommés lisent par leur propre curseur (voir LectureEven).
-bool FilDeFond(const std::string& nom) { return nom == "ThreadBirthday" || nom == "ThreadUpdateDistCum"; }
+bool FilDeFond(const std::string& nom) {
+  return nom == "ThreadBirthday" || nom == "ThreadUpdateDistCum";
+}
 
 }  // namespace
 
@@ -308,9 +318,9 @@ bool TModuleBDD::LectureEven(const std::string& libelle, TEvenement* ev, long no
   ev->Enreg.Raz();
   if (no <= 0 || rang < 1) return false;
   return Protege([&] {
-    SQLite::Statement& q = Requete(Select(
-        "WHERE \"LibelleChamps\" = ? AND \"Type\" = 0 AND (\"NoPersA\" = ? OR \"NoPersB\" = ?) ORDER BY \"ID\" "
-        "LIMIT 1 OFFSET ?"));
+    SQLite::Statement& q = Requete(
+        Select("WHERE \"LibelleChamps\" = ? AND \"Type\" = 0 AND (\"NoPersA\" = ? OR \"NoPersB\" = ?) ORDER BY \"ID\" "
+               "LIMIT 1 OFFSET ?"));
     LieTexte(q, 1, Coupe(Trim(libelle), kLgLibelle));
     q.bind(2, static_cast<int64_t>(no));
     q.bind(3, static_cast<int64_t>(no));
@@ -452,7 +462,8 @@ bool TModuleBDD::EcritEven(TEvenement* ev, const TLigneEven* connue, bool sansLi
     } else {
       const TLigne n = LigneDe(*ev, &ancienne);
       TEvenement relu;
-      RemplitEven(relu.Enreg, ancienne, AnnuleSiSupLong(ancienne.Lieu, NbLieux), AnnuleSiSupLong(ancienne.Note, NbNotes));
+      RemplitEven(relu.Enreg, ancienne, AnnuleSiSupLong(ancienne.Lieu, NbLieux),
+                  AnnuleSiSupLong(ancienne.Note, NbNotes));
       const TLigne lu = LigneDe(relu, &ancienne, false);
       if (!MemesColonnesEven(n, lu, ancienne)) {
         SQLite::Statement& q = Requete(kMiseAJour);
@@ -476,8 +487,7 @@ bool TModuleBDD::EcritEven(TEvenement* ev, const TLigneEven* connue, bool sansLi
 bool TModuleBDD::SetChpsSimple(TChpsSimple* chp) {
   return Protege([&] {
     TLigne ancienne;
-    const bool existe =
-        chp->Enreg.No > 0 && !IsReserved(chp->Enreg.No) && ChercheLigne(*this, chp->Enreg.No, ancienne);
+    const bool existe = chp->Enreg.No > 0 && !IsReserved(chp->Enreg.No) && ChercheLigne(*this, chp->Enreg.No, ancienne);
     return EcritChps(chp, existe ? &ancienne : nullptr);
   });
 }
@@ -715,9 +725,8 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
             faits.insert(l.Id);
           } else if (!faits.count(l.Id)) {
             // Plus dans les listes de la personne : la ligne est détachée d'elle seule.
-            SQLite::Statement& q =
-                Requete(passeB ? "UPDATE \"Evenements\" SET \"NoPersB\" = 0 WHERE \"ID\" = ?"
-                               : "UPDATE \"Evenements\" SET \"NoPersA\" = 0 WHERE \"ID\" = ?");
+            SQLite::Statement& q = Requete(passeB ? "UPDATE \"Evenements\" SET \"NoPersB\" = 0 WHERE \"ID\" = ?"
+                                                  : "UPDATE \"Evenements\" SET \"NoPersA\" = 0 WHERE \"ID\" = ?");
             q.bind(1, static_cast<int64_t>(l.Id));
             Ecrit(q);
             UpdatePersCiteeBuffer(l.Id);
@@ -770,7 +779,9 @@ bool TModuleBDD::GetEvenParcours(TEvenement* ev, long deplacement) {
   });
 }
 
-void TModuleBDD::EndParcoursEvens() { ParcoursEvens.reset(); }
+void TModuleBDD::EndParcoursEvens() {
+  ParcoursEvens.reset();
+}
 
 void TModuleBDD::BeginParcoursChpsSimple(const std::string& libelle, long noPers) {
   Protege([&] { ParcoursChps = OuvreParcours(Base(), true, libelle, noPers); });
@@ -788,7 +799,9 @@ bool TModuleBDD::GetChpsSimpleParcours(TChpsSimple* chp, long deplacement) {
   });
 }
 
-void TModuleBDD::EndParcoursChpsSimple() { ParcoursChps.reset(); }
+void TModuleBDD::EndParcoursChpsSimple() {
+  ParcoursChps.reset();
+}
 
 // --- Personne supprimée, restaurée ---
 
@@ -806,8 +819,7 @@ void TModuleBDD::MasquerChpsOfPerson(long no, bool restaure) {
         // L'autre personne encore supprimée garde la ligne cachée (couple dont les deux
         // sont partis : le second retour la rendra).
         if (restaure && PersonneSupprimee(autre)) continue;
-        SQLite::Statement& q =
-            Requete("UPDATE \"Evenements\" SET \"NoPersA\" = ?, \"NoPersB\" = ? WHERE \"ID\" = ?");
+        SQLite::Statement& q = Requete("UPDATE \"Evenements\" SET \"NoPersA\" = ?, \"NoPersB\" = ? WHERE \"ID\" = ?");
         q.bind(1, static_cast<int64_t>(-l.NoPersA));
         q.bind(2, static_cast<int64_t>(-l.NoPersB));
         q.bind(3, static_cast<int64_t>(l.Id));
@@ -841,10 +853,11 @@ void TModuleBDD::GetListIdPersNegatif(std::set<long>& numeros) {
 void TModuleBDD::SupprimeEvenDefinitvement(long id) {
   if (id == 0) return;
   Protege([&] {
-    for (const char* sql : {"DELETE FROM \"Evenements\" WHERE \"ID\" = ?", "DELETE FROM \"Illustrations\" WHERE "
-                                                                            "\"ID_EVEN\" = ?",
-                            "DELETE FROM \"Sources\" WHERE \"ID_EVEN\" = ?",
-                            "DELETE FROM \"PersAssociees\" WHERE \"ID_EVEN\" = ?"}) {
+    for (const char* sql :
+         {"DELETE FROM \"Evenements\" WHERE \"ID\" = ?",
+          "DELETE FROM \"Illustrations\" WHERE "
+          "\"ID_EVEN\" = ?",
+          "DELETE FROM \"Sources\" WHERE \"ID_EVEN\" = ?", "DELETE FROM \"PersAssociees\" WHERE \"ID_EVEN\" = ?"}) {
       SQLite::Statement& q = Requete(sql);
       q.bind(1, static_cast<int64_t>(id));
       Ecrit(q);
@@ -957,10 +970,9 @@ long TModuleBDD::ConvDateEnDateIndex(const TDateRQ& date) {
     std::string greg = hebreu ? ConvHebraiqueGregorien(texte) : ConvRepublicainGregorien(texte);
     if (greg.empty()) {
       // Une date qui ne se convertit pas jour pour jour garde au moins son année.
-      const std::string an = texte.size() >= 2 ? texte.substr(texte.rfind('/') == std::string::npos
-                                                                  ? 0
-                                                                  : texte.rfind('/') + 1)
-                                               : std::string();
+      const std::string an = texte.size() >= 2
+                                 ? texte.substr(texte.rfind('/') == std::string::npos ? 0 : texte.rfind('/') + 1)
+                                 : std::string();
       int a = 0;
       std::from_chars(an.data(), an.data() + an.size(), a);
       const int ag = a > 0 ? (hebreu ? ConvAnneeHebrGreg(a) : ConvAnneeRepubGreg(a)) : 0;
@@ -1013,13 +1025,26 @@ std::string TModuleBDD::ConvertirChaineFormatSQL(std::string_view s) {
   r.reserve(s.size() + 8);
   for (char c : s) {
     switch (c) {
-      case '\\': r += "\\\\"; break;
-      case '\b': r += "\\b"; break;
-      case '\n': r += "\\n"; break;
-      case '\r': r += "\\r"; break;
-      case '\t': r += "\\t"; break;
-      case '\'': r += "''"; break;
-      default: r += c;
+      case '\\':
+        r += "\\\\";
+        break;
+      case '\b':
+        r += "\\b";
+        break;
+      case '\n':
+        r += "\\n";
+        break;
+      case '\r':
+        r += "\\r";
+        break;
+      case '\t':
+        r += "\\t";
+        break;
+      case '\'':
+        r += "''";
+        break;
+      default:
+        r += c;
     }
   }
   return r;

@@ -54,8 +54,8 @@ void TModuleBDD::ApplyFilterEvent(const TStructFilterEvent& filtre, std::vector<
   evens.clear();
   Protege([&] {
     std::string libelle;
-    SQLite::Statement& q = Requete("SELECT \"ID\" FROM \"Evenements\" " + Clause(filtre, &libelle) +
-                                   " ORDER BY \"_DATE\", \"ID\"");
+    SQLite::Statement& q =
+        Requete("SELECT \"ID\" FROM \"Evenements\" " + Clause(filtre, &libelle) + " ORDER BY \"_DATE\", \"ID\"");
     Lie(q, filtre, libelle);
     while (q.executeStep()) evens.push_back(Entier(q, 0));
     q.tryReset();
@@ -66,8 +66,7 @@ void TModuleBDD::GetFilteredEventPerson(const TStructFilterEvent& filtre, std::s
   personnes.clear();
   Protege([&] {
     std::string libelle;
-    SQLite::Statement& q = Requete("SELECT \"NoPersA\", \"NoPersB\" FROM \"Evenements\" " +
-                                   Clause(filtre, &libelle));
+    SQLite::Statement& q = Requete("SELECT \"NoPersA\", \"NoPersB\" FROM \"Evenements\" " + Clause(filtre, &libelle));
     Lie(q, filtre, libelle);
     while (q.executeStep())
       for (int c = 0; c < 2; ++c)
@@ -136,8 +135,8 @@ long TModuleBDD::GetLastPersonEdit() {
 std::string TModuleBDD::GetDateLastModif(long no) {
   if (no <= 0 || !ColonneExiste("Evenements", "DateLastModif")) return "";
   return Protege([&] {
-    SQLite::Statement& q = Requete(
-        "SELECT MAX(\"DateLastModif\") FROM \"Evenements\" WHERE \"NoPersA\" = ?1 OR \"NoPersB\" = ?1");
+    SQLite::Statement& q =
+        Requete("SELECT MAX(\"DateLastModif\") FROM \"Evenements\" WHERE \"NoPersA\" = ?1 OR \"NoPersB\" = ?1");
     q.bind(1, static_cast<int64_t>(no));
     std::string date;
     if (q.executeStep() && !q.getColumn(0).isNull()) date = TexteColonne(q, 0);
@@ -204,8 +203,7 @@ long TModuleBDD::ShiftIDEvent(long delta) {
     if (!EnImport()) bloc = std::make_unique<SQLite::Transaction>(Base());
     const long maxi = GetIDEventMax();
     if (delta > 0) {
-      SQLite::Statement& avance =
-          Requete("UPDATE sqlite_sequence SET seq = seq + ? WHERE name = 'Evenements'");
+      SQLite::Statement& avance = Requete("UPDATE sqlite_sequence SET seq = seq + ? WHERE name = 'Evenements'");
       avance.bind(1, static_cast<int64_t>(delta));
       PostInTable(avance);
     }
@@ -220,8 +218,10 @@ long TModuleBDD::ShiftIDEvent(long delta) {
       SQLite::Statement& copie = Requete(
           "INSERT INTO \"Evenements\" (\"Type\", \"LibelleChamps\", \"Donnee\", \"NoPersA\", \"NoPersB\", \"Acte\", "
           "\"TypeCalend\", \"Date\", \"Lieu\", \"LieuDit\", \"Note\", \"NoIllustrationParDefaut\", \"LienExtEven\", "
-          "\"_DONNEE\", \"_DATE\", \"RANG_A\", \"RANG_B\") SELECT \"Type\", \"LibelleChamps\", \"Donnee\", \"NoPersA\", "
-          "\"NoPersB\", \"Acte\", \"TypeCalend\", \"Date\", \"Lieu\", \"LieuDit\", \"Note\", \"NoIllustrationParDefaut\", "
+          "\"_DONNEE\", \"_DATE\", \"RANG_A\", \"RANG_B\") SELECT \"Type\", \"LibelleChamps\", \"Donnee\", "
+          "\"NoPersA\", "
+          "\"NoPersB\", \"Acte\", \"TypeCalend\", \"Date\", \"Lieu\", \"LieuDit\", \"Note\", "
+          "\"NoIllustrationParDefaut\", "
           "\"LienExtEven\", \"_DONNEE\", \"_DATE\", \"RANG_A\", \"RANG_B\" FROM \"Evenements\" WHERE \"ID\" = ?");
       copie.bind(1, static_cast<int64_t>(id));
       LignesEcrites += PostInTable(copie);
@@ -262,11 +262,11 @@ namespace {
 long PremierDe(TModuleBDD& bdd, long no, const std::string& libelle, bool simple) {
   if (no <= 0) return 0;
   return bdd.Protege([&] {
-    SQLite::Statement& q = bdd.Requete(
-        simple ? "SELECT \"ID\" FROM \"Evenements\" WHERE \"LibelleChamps\" = ?1 AND \"Type\" <> 0 AND "
-                 "(\"NoPersA\" = ?2 OR \"NoPersB\" = ?2) ORDER BY \"ID\" LIMIT 1"
-               : "SELECT \"ID\" FROM \"Evenements\" WHERE \"LibelleChamps\" = ?1 AND \"Type\" = 0 AND "
-                 "(\"NoPersA\" = ?2 OR \"NoPersB\" = ?2) ORDER BY \"ID\" LIMIT 1");
+    SQLite::Statement& q =
+        bdd.Requete(simple ? "SELECT \"ID\" FROM \"Evenements\" WHERE \"LibelleChamps\" = ?1 AND \"Type\" <> 0 AND "
+                             "(\"NoPersA\" = ?2 OR \"NoPersB\" = ?2) ORDER BY \"ID\" LIMIT 1"
+                           : "SELECT \"ID\" FROM \"Evenements\" WHERE \"LibelleChamps\" = ?1 AND \"Type\" = 0 AND "
+                             "(\"NoPersA\" = ?2 OR \"NoPersB\" = ?2) ORDER BY \"ID\" LIMIT 1");
     TModuleBDD::LieTexte(q, 1, Trim(libelle).substr(0, kLgLibelle));
     q.bind(2, static_cast<int64_t>(no));
     const long id = q.executeStep() ? Entier(q, 0) : 0;
@@ -277,8 +277,12 @@ long PremierDe(TModuleBDD& bdd, long no, const std::string& libelle, bool simple
 
 }  // namespace
 
-long TModuleBDD::FindEvenOfPerson(long no, const std::string& libelle) { return PremierDe(*this, no, libelle, false); }
-bool TModuleBDD::EvenExistsForPerson(long no, const std::string& libelle) { return FindEvenOfPerson(no, libelle) != 0; }
+long TModuleBDD::FindEvenOfPerson(long no, const std::string& libelle) {
+  return PremierDe(*this, no, libelle, false);
+}
+bool TModuleBDD::EvenExistsForPerson(long no, const std::string& libelle) {
+  return FindEvenOfPerson(no, libelle) != 0;
+}
 long TModuleBDD::FindChpsSimpleOfPerson(long no, const std::string& libelle) {
   return PremierDe(*this, no, libelle, true);
 }
@@ -313,7 +317,9 @@ bool TModuleBDD::GetSourceParcours(TSource* s) {
   });
 }
 
-void TModuleBDD::EndParcoursSources() { ParcoursSources.reset(); }
+void TModuleBDD::EndParcoursSources() {
+  ParcoursSources.reset();
+}
 
 void TModuleBDD::BeginParcoursIllustrations(long idEven) {
   Protege([&] {
@@ -339,6 +345,8 @@ bool TModuleBDD::GetIllustrationParcours(TIllustration* i) {
   });
 }
 
-void TModuleBDD::EndParcoursIllustrations() { ParcoursIllustrations.reset(); }
+void TModuleBDD::EndParcoursIllustrations() {
+  ParcoursIllustrations.reset();
+}
 
 }  // namespace rqbase

@@ -14,9 +14,8 @@
 #include <map>
 
 #include "rqbase/platform/chemins.h"
-#include "rqbase/platform/progression.h"
 #include "rqbase/platform/cp1252.h"
-
+#include "rqbase/platform/progression.h"
 #include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/storage/evenement.h"
 
@@ -31,7 +30,9 @@ struct TTableListe {
 constexpr TTableListe kSources{"Sources", "ID_SOURCE"};
 constexpr TTableListe kIllustrations{"Illustrations", "ID_ILLUSTRATION"};
 
-std::string G(const char* nom) { return std::string("\"") + nom + "\""; }
+std::string G(const char* nom) {
+  return std::string("\"") + nom + "\"";
+}
 
 long Entier(SQLite::Statement& q, int col) {
   const SQLite::Column c = q.getColumn(col);
@@ -40,7 +41,9 @@ long Entier(SQLite::Statement& q, int col) {
   return v < INT32_MIN || v > INT32_MAX ? 0 : static_cast<long>(v);
 }
 
-std::string Coupe(const std::string& t, size_t n) { return t.size() > n ? t.substr(0, n) : t; }
+std::string Coupe(const std::string& t, size_t n) {
+  return t.size() > n ? t.substr(0, n) : t;
+}
 
 // Les numéros des lignes d'un événement, en ordre de rang, 50 au plus, avec leur rang.
 std::vector<std::pair<long, long>> LignesDeListe(TModuleBDD& bdd, const TTableListe& t, long idEven) {
@@ -70,8 +73,7 @@ long MetListeDAccord(TModuleBDD& bdd, const TTableListe& t, long idEven, const i
   const auto lignes = LignesDeListe(bdd, t, idEven);
   std::map<long, long> rangs(lignes.begin(), lignes.end());
   const std::string lit = "SELECT \"ID_EVEN\", \"RANG\" FROM " + G(t.Table) + " WHERE " + G(t.ColId) + " = ?";
-  const std::string maj =
-      "UPDATE " + G(t.Table) + " SET \"ID_EVEN\" = ?, \"RANG\" = ? WHERE " + G(t.ColId) + " = ?";
+  const std::string maj = "UPDATE " + G(t.Table) + " SET \"ID_EVEN\" = ?, \"RANG\" = ? WHERE " + G(t.ColId) + " = ?";
   std::set<long> listes;
   long position = 0;
   for (int i = 0; i < taille; ++i) {
@@ -132,8 +134,7 @@ void Echange(TModuleBDD& bdd, const TTableListe& t, long a, long b) {
 }
 
 long NouveauNumero(TModuleBDD& bdd, const TTableListe& t) {
-  SQLite::Statement& q =
-      bdd.Requete("INSERT INTO " + G(t.Table) + " (\"ID_EVEN\", \"RANG\") VALUES (0, 0)");
+  SQLite::Statement& q = bdd.Requete("INSERT INTO " + G(t.Table) + " (\"ID_EVEN\", \"RANG\") VALUES (0, 0)");
   bdd.LignesEcrites += bdd.PostInTable(q);
   return static_cast<long>(bdd.Base().getLastInsertRowid());
 }
@@ -206,8 +207,8 @@ bool TModuleBDD::EnregistrementSource(TSource* s) {
     if (existe) {
       if (ancienEven != s->NoEven || Coupe(type, kLgTypeSource) != nType ||
           Coupe(descriptif, kLgDescriptifSource) != nDesc) {
-        SQLite::Statement& u = Requete(
-            "UPDATE \"Sources\" SET \"ID_EVEN\" = ?, \"TYPE\" = ?, \"DESCRIPTIF\" = ? WHERE \"ID_SOURCE\" = ?");
+        SQLite::Statement& u =
+            Requete("UPDATE \"Sources\" SET \"ID_EVEN\" = ?, \"TYPE\" = ?, \"DESCRIPTIF\" = ? WHERE \"ID_SOURCE\" = ?");
         u.bind(1, static_cast<int64_t>(s->NoEven));
         LieTexte(u, 2, nType);
         LieTexte(u, 3, nDesc);
@@ -351,12 +352,11 @@ long TModuleBDD::GetNbIllustration(long idEven) {
 void TModuleBDD::SetIllustrationDefault(long noPers, long idEven, long illustration) {
   Protege([&] {
     // Une seule illustration par défaut pour une personne : toutes les autres sont levées.
-    SQLite::Statement& a =
-        Requete("UPDATE \"Evenements\" SET \"NoIllustrationParDefaut\" = -1 WHERE \"NoPersA\" = ?");
+    SQLite::Statement& a = Requete("UPDATE \"Evenements\" SET \"NoIllustrationParDefaut\" = -1 WHERE \"NoPersA\" = ?");
     a.bind(1, static_cast<int64_t>(noPers));
     LignesEcrites += PostInTable(a);
-    SQLite::Statement& b = Requete(
-        "UPDATE \"Evenements\" SET \"NoIllustrationParDefaut\" = ? WHERE \"NoPersA\" = ? AND \"ID\" = ?");
+    SQLite::Statement& b =
+        Requete("UPDATE \"Evenements\" SET \"NoIllustrationParDefaut\" = ? WHERE \"NoPersA\" = ? AND \"ID\" = ?");
     b.bind(1, static_cast<int64_t>(illustration));
     b.bind(2, static_cast<int64_t>(noPers));
     b.bind(3, static_cast<int64_t>(idEven));
@@ -410,8 +410,7 @@ long TModuleBDD::UpdaterSourceOfEven(TEvenement* ev) {
 long TModuleBDD::UpdaterIllustrationOfEven(TEvenement* ev) {
   if (!ev->Enreg.IllustrationsChargees) return 0;
   return Protege([&] {
-    const long n =
-        MetListeDAccord(*this, kIllustrations, ev->Enreg.No, ev->Enreg.Illustrations, kNbIllustrationsEven);
+    const long n = MetListeDAccord(*this, kIllustrations, ev->Enreg.No, ev->Enreg.Illustrations, kNbIllustrationsEven);
     LignesEcrites += n;
     return n;
   });
@@ -592,11 +591,11 @@ void TModuleBDD::RecupeNumPersABEven(long idEven, std::set<long>* numeros) {
 void TModuleBDD::MasquerPersAssociee(long idEven, bool masquer) {
   Protege([&] {
     // Seules les lignes du bon signe changent : cacher deux fois ne rend rien visible.
-    SQLite::Statement& q = Requete(
-        masquer ? "UPDATE \"PersAssociees\" SET \"LienPers_No\" = -\"LienPers_No\" WHERE \"ID_EVEN\" = ? AND "
-                  "\"LienPers_No\" > 0"
-                : "UPDATE \"PersAssociees\" SET \"LienPers_No\" = -\"LienPers_No\" WHERE \"ID_EVEN\" = ? AND "
-                  "\"LienPers_No\" < 0");
+    SQLite::Statement& q =
+        Requete(masquer ? "UPDATE \"PersAssociees\" SET \"LienPers_No\" = -\"LienPers_No\" WHERE \"ID_EVEN\" = ? AND "
+                          "\"LienPers_No\" > 0"
+                        : "UPDATE \"PersAssociees\" SET \"LienPers_No\" = -\"LienPers_No\" WHERE \"ID_EVEN\" = ? AND "
+                          "\"LienPers_No\" < 0");
     q.bind(1, static_cast<int64_t>(masquer ? idEven : idEven));
     LignesEcrites += PostInTable(q);
   });
@@ -605,11 +604,11 @@ void TModuleBDD::MasquerPersAssociee(long idEven, bool masquer) {
 void TModuleBDD::MasquerCitationsOfPerson(long no, bool restaure) {
   if (no <= 0) return;
   Protege([&] {
-    SQLite::Statement& q = Requete(
-        restaure ? "UPDATE \"PersAssociees\" SET \"ID_EVEN\" = -\"ID_EVEN\" WHERE \"LienPers_No\" = ? AND "
-                   "\"ID_EVEN\" < 0"
-                 : "UPDATE \"PersAssociees\" SET \"ID_EVEN\" = -\"ID_EVEN\" WHERE \"LienPers_No\" = ? AND "
-                   "\"ID_EVEN\" > 0");
+    SQLite::Statement& q =
+        Requete(restaure ? "UPDATE \"PersAssociees\" SET \"ID_EVEN\" = -\"ID_EVEN\" WHERE \"LienPers_No\" = ? AND "
+                           "\"ID_EVEN\" < 0"
+                         : "UPDATE \"PersAssociees\" SET \"ID_EVEN\" = -\"ID_EVEN\" WHERE \"LienPers_No\" = ? AND "
+                           "\"ID_EVEN\" > 0");
     q.bind(1, static_cast<int64_t>(no));
     LignesEcrites += PostInTable(q);
   });
