@@ -112,6 +112,11 @@ void Evenements(TContexteCli& ctx, const TOptionsEvenements& o) {
     throw ERqBase("La personne " + std::to_string(o.Numero) + " n'existe pas dans ce dossier.");
   TModuleBDD& bdd = BaseReliee(*gest);
   rqbase::TPerson personne(gest->FicPersons(), o.Numero);
+  // Chargés, les faits d'une personne supprimée ne désignent plus son conjoint : les
+  // réenregistrer les détacherait d'elle.
+  if (o.Reenregistrer && personne.FicheSupprimee())
+    throw ERqBase("La personne " + std::to_string(o.Numero) +
+                  " est supprimée : ses événements ne sont pas réenregistrés.");
   rqbase::TListesChps listes;
   rqbase::ChargerLienChpsOfPerson(bdd, personne, listes);
 

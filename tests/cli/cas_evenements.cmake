@@ -143,3 +143,10 @@ rq_cas(evenements 17_lecture_seule MOTIF SORTIE [=[1<TAB>NAISSANCE<TAB>03/03/185
 rq_cas(evenements 18_reenregistrer_refuse CODE 1 ERREUR [=[rqbase : Le dossier "Famille" est en lecture seule : rien n'a été changé.
 ]=] ARGS evenements Famille 2 --reenregistrer)
 rq_cas_action(evenements 19_rend chmod u+w Famille.rq2)
+# Paul marqué supprimé (octet 1 de son enregistrement de 644 octets) sans que ses lignes soient
+# cachées : ses faits de couple se lisent avec le conjoint en négatif, et ne se réenregistrent pas.
+rq_cas_action(evenements 20_supprime bash -c "printf O | dd of=Famille.rq2/Famille.prs bs=1 seek=1933 conv=notrunc status=none")
+rq_cas(evenements 21_supprime_lu MOTIF JSON SORTIE [=[.*"personne_a": -2,
+      "personne_b": -2,.*]=] ARGS --json evenements Famille 3)
+rq_cas(evenements 22_supprime_refuse CODE 1 ERREUR [=[rqbase : La personne 3 est supprimée : ses événements ne sont pas réenregistrés.
+]=] ARGS evenements Famille 3 --reenregistrer)

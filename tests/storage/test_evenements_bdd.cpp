@@ -125,6 +125,12 @@ TEST_F(EvenementsBddTest, UnEvenementEcritSeRelitTelQuelEtSesColonnesDeriveesSon
   EXPECT_EQ(Compte("SELECT LENGTH(LibelleChamps) FROM Evenements WHERE ID = " + std::to_string(long_.No())), 21);
   EXPECT_EQ(Compte("SELECT LENGTH(Donnee) FROM Evenements WHERE ID = " + std::to_string(long_.No())), 100);
 
+  // Un fil de fond lit par son propre curseur, la même ligne.
+  Bdd->NomThread = "ThreadBirthday";
+  TEvenement parFil(Bdd.get(), ev.No());
+  EXPECT_EQ(parFil.Enreg.LieuDit, "Le Moulin");
+  Bdd->NomThread.clear();
+
   // Introuvable : objet vierge, rien levé.
   TEvenement absent(Bdd.get(), 999);
   EXPECT_EQ(absent.No(), 0);
