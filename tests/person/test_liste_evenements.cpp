@@ -136,12 +136,12 @@ TEST_F(ListesPersonneTest, LectureFiltreeParAnneeDonneUnePersonneReduite) {
   TListesChps l;
   l.Evens = std::make_unique<TVectorTV<TEvenementTV>>();
   l.Chps = std::make_unique<TVectorTV<TChpsSimpleTV>>();
-  for (const auto& [lib, date] : std::vector<std::pair<const char*, const char*>>{{"NAISSANCE", "01/01/1850"},
-                                                                                  {"SANS_DATE_1", ""},
-                                                                                  {"RETRAITE", "01/01/1950"},
-                                                                                  {"SANS_DATE_2", ""},
-                                                                                  {"RECENSEMENT", "01/01/1880"}}) {
+  const std::vector<std::pair<const char*, const char*>> faits{
+      {"NAISSANCE", "01/01/1850"}, {"SANS_DATE_1", ""}, {"REPUBLICAIN", "01/VEND/08"},
+      {"RETRAITE", "01/01/1950"},  {"SANS_DATE_2", ""}, {"RECENSEMENT", "01/01/1880"}};
+  for (const auto& [lib, date] : faits) {
     TEvenementTV e = Even(lib, date, no);
+    if (std::string(lib) == "REPUBLICAIN") e.Enreg.Date.SetCalendrier('R');  // an VIII : 1799
     e.Enreg.SetDonnee("x");  // un événement sans date n'est pas vide pour autant
     l.Evens->Ajoute(e);
   }
@@ -159,7 +159,7 @@ TEST_F(ListesPersonneTest, LectureFiltreeParAnneeDonneUnePersonneReduite) {
   TListesChps lr;
   ChargerLienChpsOfPerson(*Bdd, reduite, lr, 1900);
   // Le premier sans date est tombé au premier refus, le second après lui.
-  EXPECT_EQ(Libelles(lr), (std::vector<std::string>{"NAISSANCE", "RECENSEMENT"}));
+  EXPECT_EQ(Libelles(lr), (std::vector<std::string>{"NAISSANCE", "REPUBLICAIN", "RECENSEMENT"}));
   EXPECT_EQ(lr.Chps->GetNbElt(), 0);
   EXPECT_EQ(reduite.Enreg.LiensChpsSimple[0], 0);
   EXPECT_EQ(reduite.Enreg.Note, 0);
@@ -167,7 +167,19 @@ TEST_F(ListesPersonneTest, LectureFiltreeParAnneeDonneUnePersonneReduite) {
   EXPECT_EQ(valeur, 0);
   EXPECT_EQ(reduite.Enreg.LiensEvenement[0], lr.Evens->Lit(0)->Enreg.No);
   EXPECT_EQ(reduite.Enreg.LiensEvenement[1], lr.Evens->Lit(1)->Enreg.No);
-  EXPECT_EQ(reduite.Enreg.LiensEvenement[2], 0);
+  EXPECT_EQ(reduite.Enreg.LiensEvenement[2], lr.Evens->Lit(2)->Enreg.No);
+  EXPECT_EQ(reduite.Enreg.LiensEvenement[3], 0);
+  // Filtre à 1800 : l'an VIII (1799, comparé en grégorien) reste ; 1850 est refusé et fait
+  // tomber le premier sans date.
+  TPerson avant1800(Gest->FicPersons(), no);
+  TListesChps l1800;
+  ChargerLienChpsOfPerson(*Bdd, avant1800, l1800, 1800);
+  EXPECT_EQ(Libelles(l1800), (std::vector<std::string>{"REPUBLICAIN"}));
+  // À 1798, l'an VIII (1799) est refusé lui aussi : la comparaison ne se fait pas sur « 08 ».
+  TPerson avant1798(Gest->FicPersons(), no);
+  TListesChps l1798;
+  ChargerLienChpsOfPerson(*Bdd, avant1798, l1798, 1798);
+  EXPECT_EQ(Libelles(l1798), std::vector<std::string>{});
 }
 
 TEST_F(ListesPersonneTest, PersonneSupprimeeNonCacheeEtLigneVide) {

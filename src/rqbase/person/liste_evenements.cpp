@@ -8,10 +8,11 @@ namespace rqbase {
 
 namespace {
 
-// L'année de la date, sur une copie : RecupAnnee change l'objet qu'on lui donne.
-int AnneeDe(const TEvenement::TEnreg& e) {
+// L'année de la date, sur une copie : RecupAnnee change l'objet qu'on lui donne. `gregorien`
+// ramène une date républicaine ou hébraïque à l'année grégorienne, pour la comparer à un filtre.
+int AnneeDe(const TEvenement::TEnreg& e, bool gregorien = false) {
   TDateRQ copie(e.Date);
-  return copie.RecupAnnee(false);
+  return copie.RecupAnnee(gregorien);
 }
 
 void EffaceLien(int32_t* liens, long no) {
@@ -35,7 +36,7 @@ bool AddEvenInTV(TPerson& p, TListesChps& l, TEvenement& ev, int filtreAnnee, bo
   if (!l.Evens) l.Evens = std::make_unique<TVectorTV<TEvenementTV>>();
   if (ev.Enreg.Vide() && !ev.InfoRangValide()) return false;
   if (filtreAnnee != 0) {
-    const int annee = AnneeDe(ev.Enreg);
+    const int annee = AnneeDe(ev.Enreg, true);
     if (annee > filtreAnnee || (filtrage && annee == 0)) {
       if (!filtrage) {
         filtrage = true;
