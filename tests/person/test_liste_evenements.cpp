@@ -120,11 +120,14 @@ TEST_F(ListesPersonneTest, ChargementEnDeuxPassesPuisEnregistrementSansChangemen
   ASSERT_EQ(lm.Evens->GetNbElt(), 1);
   EXPECT_EQ(lm.Evens->Lit(0)->Enreg.No, noMariage);
 
-  // Un numéro sous 1 : listes vides et chargées, rien lu.
+  // Un numéro sous 1 : listes vides et chargées, rien lu ; rien écrit non plus.
   TPerson vide(Gest->FicPersons());
   TListesChps lv;
   ChargerLienChpsOfPerson(*Bdd, vide, lv);
   EXPECT_EQ(lv.Evens->GetNbElt(), 0);
+  lv.Evens->Ajoute(Even("NAISSANCE", "01/01/1900", 0));
+  EXPECT_EQ(EnregistrerChpsOfPerson(*Bdd, vide, lv), 0);
+  EXPECT_EQ(lv.Evens->Lit(0)->Enreg.No, 0);
 }
 
 TEST_F(ListesPersonneTest, LectureFiltreeParAnneeDonneUnePersonneReduite) {

@@ -112,6 +112,8 @@ void ChargerLienChpsOfPerson(TModuleBDD& bdd, TPerson& p, TListesChps& l, int fi
 }
 
 long EnregistrerChpsOfPerson(TModuleBDD& bdd, TPerson& p, TListesChps& l, bool sansEffacement, bool sansListes) {
+  // Une fiche sans numéro n'a pas de lignes : rien ne s'écrit pour elle.
+  if (p.No() < 1) return 0;
   std::vector<TEvenement> evens;
   std::vector<TChpsSimple> chps;
   if (l.Evens)
