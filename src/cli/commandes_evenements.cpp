@@ -35,14 +35,10 @@ struct TOptionsEvenements {
   bool Reenregistrer = false;
 };
 
-// La base du dossier, reliée à ses voisins : le cache des personnes, et les comptes des
-// lieux et des notes qui annulent à la lecture un renvoi au-delà de leur fin.
+// La base du dossier, que le dossier a reliée à ses voisins à l'ouverture.
 TModuleBDD& BaseReliee(TGestFichier& gest) {
   TModuleBDD* bdd = gest.ModuleBDD();
   if (!bdd || !bdd->EstOuverte()) throw ERqBase("La base des événements de ce dossier ne peut pas être ouverte.");
-  bdd->Contexte = &gest;
-  if (TFicDupli* lie = gest.FicLie()) bdd->NbLieux = [lie] { return lie->NbFiches(); };
-  if (rqbase::TFicNotes* notes = gest.FicNotes()) bdd->NbNotes = [notes] { return notes->NbBlocs(); };
   return *bdd;
 }
 

@@ -151,6 +151,17 @@ void TGestFichier::OuvrirFichier(bool a, bool b) {
     AjouteObjets(true);
   else if (!a)
     AjouteObjets(false);
+  RelieBase();
+}
+
+void TGestFichier::RelieBase() {
+  if (!BDD) return;
+  // La base lit des numéros de personnes, de lieux et de notes : elle reçoit de quoi chasser
+  // une personne du cache et annuler un renvoi au-delà de la fin d'un fichier. La base est
+  // détruite la première à la fermeture : ces renvois ne lui survivent jamais.
+  BDD->Contexte = this;
+  if (TFicDupli* lie = Lie.get()) BDD->NbLieux = [lie] { return lie->NbFiches(); };
+  if (TFicNotes* notes = Notes.get()) BDD->NbNotes = [notes] { return notes->NbBlocs(); };
 }
 
 void TGestFichier::AjouteObjets(bool sansTest) {

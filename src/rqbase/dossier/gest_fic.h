@@ -122,6 +122,8 @@ class TGestFichier : public TContexteDossier {
  private:
   void AjouteObjets(bool sansTest);
   bool PrendVerrou();
+  // Donne à la base ses voisins (cache des personnes, comptes des lieux et des notes).
+  void RelieBase();
   void CreeDans(int premierePersonne, const std::string& prsDefinitif);
   void GenereIdGeneaPour(const std::string& prs);
   // Les fichiers et dossiers de ce dossier présents sur le disque (noms relatifs au dossier).
