@@ -133,6 +133,14 @@ void Echange(TModuleBDD& bdd, const TTableListe& t, long a, long b) {
   }
 }
 
+bool LigneExiste(TModuleBDD& bdd, const TTableListe& t, long id) {
+  SQLite::Statement& q = bdd.Requete("SELECT 1 FROM " + G(t.Table) + " WHERE " + G(t.ColId) + " = ?");
+  q.bind(1, static_cast<int64_t>(id));
+  const bool existe = q.executeStep();
+  q.tryReset();
+  return existe;
+}
+
 long NouveauNumero(TModuleBDD& bdd, const TTableListe& t) {
   SQLite::Statement& q = bdd.Requete("INSERT INTO " + G(t.Table) + " (\"ID_EVEN\", \"RANG\") VALUES (0, 0)");
   bdd.LignesEcrites += bdd.PostInTable(q);
@@ -164,13 +172,7 @@ bool TModuleBDD::LectureSource(TSource* s) {
 }
 
 bool TModuleBDD::NoSourceExists(long id) {
-  return Protege([&] {
-    SQLite::Statement& q = Requete("SELECT 1 FROM \"Sources\" WHERE \"ID_SOURCE\" = ?");
-    q.bind(1, static_cast<int64_t>(id));
-    const bool existe = q.executeStep();
-    q.tryReset();
-    return existe;
-  });
+  return Protege([&] { return LigneExiste(*this, kSources, id); });
 }
 
 long TModuleBDD::ReturnNewNumSource() {
@@ -265,13 +267,7 @@ bool TModuleBDD::LectureIllustration(TIllustration* i) {
 }
 
 bool TModuleBDD::NoIllustrationExists(long id) {
-  return Protege([&] {
-    SQLite::Statement& q = Requete("SELECT 1 FROM \"Illustrations\" WHERE \"ID_ILLUSTRATION\" = ?");
-    q.bind(1, static_cast<int64_t>(id));
-    const bool existe = q.executeStep();
-    q.tryReset();
-    return existe;
-  });
+  return Protege([&] { return LigneExiste(*this, kIllustrations, id); });
 }
 
 long TModuleBDD::ReturnNewNumIllustration() {
