@@ -399,6 +399,8 @@ class TModuleBDD {
   bool EcritEven(TEvenement* ev, const TLigneEven* connue, bool sansListes);
   bool EcritChps(TChpsSimple* chp, const TLigneEven* connue);
   void ChasseDuCache(long no);
+  // Insère une ligne neuve de la table des événements ; rend son numéro.
+  long InsereLigne(const TLigneEven& ligne, long no);
   bool PersonneSupprimee(long no);
   long AnnuleSiSupLong(long valeur, const std::function<long()>& compte) const;
   long Ecrit(SQLite::Statement& requete);

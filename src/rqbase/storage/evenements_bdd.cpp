@@ -438,6 +438,23 @@ bool TModuleBDD::SetEvenement(TEvenement* ev, bool sansListes) {
   });
 }
 
+// Une ligne neuve d'événement ou de champ simple : sous le numéro donné (réservé par un import)
+// ou sous celui que le moteur donne ; rend le numéro de la ligne.
+long TModuleBDD::InsereLigne(const TLigne& n, long no) {
+  SQLite::Statement& q = Requete(kInsertion);
+  LieLigne(q, n);
+  if (no > 0)
+    q.bind(18, static_cast<int64_t>(no));
+  else
+    q.bind(18);
+  ChasseDuCache(n.NoPersA);
+  ChasseDuCache(n.NoPersB);
+  Ecrit(q);
+  if (no <= 0) no = static_cast<long>(Base().getLastInsertRowid());
+  Reserves.erase(no);
+  return no;
+}
+
 // `connue` : la ligne telle qu'elle vient d'être lue, nulle pour une ligne neuve.
 bool TModuleBDD::EcritEven(TEvenement* ev, const TLigneEven* connue, bool sansListes) {
   return Protege([&] {
@@ -446,18 +463,7 @@ bool TModuleBDD::EcritEven(TEvenement* ev, const TLigneEven* connue, bool sansLi
     const TLigne& ancienne = existe ? *connue : kLigneVide;
     if (!existe) {
       // Ligne neuve : tout compte comme changé, le numéro vient du moteur ou de l'import.
-      const TLigne n = LigneDe(*ev, nullptr);
-      SQLite::Statement& q = Requete(kInsertion);
-      LieLigne(q, n);
-      if (ev->Enreg.No > 0)
-        q.bind(18, static_cast<int64_t>(ev->Enreg.No));
-      else
-        q.bind(18);
-      ChasseDuCache(n.NoPersA);
-      ChasseDuCache(n.NoPersB);
-      Ecrit(q);
-      if (ev->Enreg.No <= 0) ev->Enreg.No = static_cast<long>(Base().getLastInsertRowid());
-      Reserves.erase(ev->Enreg.No);
+      ev->Enreg.No = InsereLigne(LigneDe(*ev, nullptr), ev->Enreg.No);
       ecrit = true;
     } else {
       const TLigne n = LigneDe(*ev, &ancienne);
@@ -498,18 +504,7 @@ bool TModuleBDD::EcritChps(TChpsSimple* chp, const TLigneEven* connue) {
     const bool existe = connue != nullptr;
     const TLigne& ancienne = existe ? *connue : kLigneVide;
     if (!existe) {
-      const TLigne n = LigneDe(*chp, nullptr);
-      SQLite::Statement& q = Requete(kInsertion);
-      LieLigne(q, n);
-      if (chp->Enreg.No > 0)
-        q.bind(18, static_cast<int64_t>(chp->Enreg.No));
-      else
-        q.bind(18);
-      ChasseDuCache(n.NoPersA);
-      ChasseDuCache(n.NoPersB);
-      Ecrit(q);
-      if (chp->Enreg.No <= 0) chp->Enreg.No = static_cast<long>(Base().getLastInsertRowid());
-      Reserves.erase(chp->Enreg.No);
+      chp->Enreg.No = InsereLigne(LigneDe(*chp, nullptr), chp->Enreg.No);
     } else {
       const TLigne n = LigneDe(*chp, &ancienne);
       TChpsSimple relu;
