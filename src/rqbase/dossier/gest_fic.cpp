@@ -11,6 +11,8 @@
 #include <cstring>
 #include <filesystem>
 
+#include <SQLiteCpp/SQLiteCpp.h>
+
 #include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/notes/fic_notes.h"
 #include "rqbase/places/gestduplicat.h"
@@ -162,6 +164,18 @@ void TGestFichier::RelieBase() {
   BDD->Contexte = this;
   if (TFicDupli* lie = Lie.get()) BDD->NbLieux = [lie] { return lie->NbFiches(); };
   if (TFicNotes* notes = Notes.get()) BDD->NbNotes = [notes] { return notes->NbBlocs(); };
+}
+
+bool TGestFichier::IsIDPersExists(const std::string& id) {
+  if (!BDD || !BDD->EstOuverte()) return false;
+  return BDD->Protege([&] {
+    SQLite::Statement& q =
+        BDD->Requete("SELECT 1 FROM \"Evenements\" WHERE \"LibelleChamps\" = 'ID_PERS' AND \"Donnee\" = ? LIMIT 1");
+    TModuleBDD::LieTexte(q, 1, id);
+    const bool existe = q.executeStep();
+    q.tryReset();
+    return existe;
+  });
 }
 
 void TGestFichier::AjouteObjets(bool sansTest) {

@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "rqbase/person/voisins_personne.h"
 #include "rqbase/platform/verrou.h"
 #include "rqbase/storage/contexte_dossier.h"
 
@@ -40,7 +41,7 @@ struct TCompteRendu {
   std::vector<std::string> Conserves;  // ce qui n'appartient pas au dossier et a été laissé
 };
 
-class TGestFichier : public TContexteDossier {
+class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
  public:
   // `chemin` : le fichier .prs du dossier (seuls dossier et nom de base servent).
   // `nouveau` crée le dossier (`premierePersonne` == 1 y met une première personne) ;
@@ -76,7 +77,7 @@ class TGestFichier : public TContexteDossier {
 
   void GenereIdGenea();
   bool VerifIdPersOk(const std::string& id) const;
-  const std::string& GetIdGenea() const { return IdGenea; }
+  const std::string& GetIdGenea() const override { return IdGenea; }
 
   // Clés "DCUM_STATE" et "DCUM_VALUE" de la table d'informations, en décimal.
   int GetStateDistCum();
@@ -111,13 +112,15 @@ class TGestFichier : public TContexteDossier {
   TFicXml* FicXml() const override { return Xml.get(); }
   TModuleBDD* ModuleBDD() const override { return BDD.get(); }
   // Le fichier des notes (.not) ; nul tant qu'il n'est pas ouvert.
-  TFicNotes* FicNotes() const { return Notes.get(); }
+  TFicNotes* FicNotes() const override { return Notes.get(); }
   // Les chaînes partagées : qualités (.qua), liens de parenté (.par), lieux (.lie).
   TFicDupli* FicQua() const { return Qua.get(); }
   TFicDupli* FicPar() const { return Par.get(); }
-  TFicDupli* FicLie() const { return Lie.get(); }
+  TFicDupli* FicLie() const override { return Lie.get(); }
   // Le catalogue des champs ; nul tant qu'il n'est pas ouvert.
-  TDefChpsCs* GetDefChpsCs() const { return DefChpsCs.get(); }
+  TDefChpsCs* GetDefChpsCs() const override { return DefChpsCs.get(); }
+  // Un champ simple "ID_PERS" de cette valeur existe-t-il dans le dossier ?
+  bool IsIDPersExists(const std::string& id) override;
 
  private:
   void AjouteObjets(bool sansTest);

@@ -3,10 +3,15 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <type_traits>
 #include <utility>
 
 #include "rqbase/person/buffer_arb_chrono.h"
+#include "rqbase/person/liste_evenements.h"
+#include "rqbase/person/voisins_personne.h"
 #include "rqbase/storage/contexte_dossier.h"
+#include "rqbase/storage/datamodulebdd.h"
 
 namespace rqbase {
 
@@ -76,12 +81,28 @@ void TPerson::CopyPerson(const TPerson& autre) {
   Enreg = autre.Enreg;
   MajBuffer = autre.MajBuffer;
   Numeros = autre.Numeros;
-  // Place de CopyChamps : les listes d'événements et de champs simples.
+  CopyChamps(autre);
   CopieRappels(autre);
 }
 
+void TPerson::CopyChamps(const TPerson& autre) {
+  if (this == &autre) return;
+  // Copie profonde : chaque personne possède ses listes, une copie n'en partage aucune.
+  auto copie = [](const auto& source, auto& cible) {
+    if (!source)
+      cible.reset();
+    else if (cible)
+      *cible = *source;
+    else
+      cible = std::make_unique<std::remove_reference_t<decltype(*source)>>(*source);
+  };
+  copie(autre.Listes.Evens, Listes.Evens);
+  copie(autre.Listes.Chps, Listes.Chps);
+}
+
 void TPerson::LibereMemoire() {
-  // Place des deux listes possédées (événements, champs simples).
+  Listes.Evens.reset();
+  Listes.Chps.reset();
 }
 
 void TPerson::NouvelleFiche(long no) {
@@ -106,7 +127,7 @@ void TPerson::Lecture(long no, bool complement, int typeLecture, bool viaBuffer)
     const bool majBuffer = MajBuffer;
     CopyPerson(*cachee);
     MajBuffer = majBuffer;
-    // Place de LectureComplementaireEvenement(1) quand typeLecture n'est pas 0.
+    if (complement && typeLecture != 0) LectureComplementaireEvenement(1);
   } else {
     LectureDisque(complement);
   }
@@ -136,7 +157,7 @@ void TPerson::LectureDisque(bool complement) {
     TExtPerson ext(ficExt, Enreg.Extension);
     TransfertVersPublic(ext.Enreg, false);
   }
-  (void)complement;  // Place de LectureComplementaire : les champs viennent de la base.
+  if (complement) LectureComplementaire();
 }
 
 bool TPerson::EnregFoireux(const TEnreg& enreg) const {
@@ -227,8 +248,14 @@ void TPerson::Enregistrement(long no, TFicPersons* fic, bool sansChamps, bool sa
     Fichier = garde;
     return;
   }
-  // Place de TModuleBDD::EnregistrerChpsOfPerson quand les deux listes sont chargées.
-  (void)sansChamps;
+  TVoisinsPersonne* voisins = VoisinsDe(gest);
+  if (!sansChamps && Listes.Evens && Listes.Chps) {
+    if (TModuleBDD* bdd = gest->ModuleBDD()) {
+      if (voisins && voisins->ClassementParType()) ClassementTypeEven();
+      ClassementChronoEven();
+      EnregistrerChpsOfPerson(*bdd, *this, Listes);
+    }
+  }
 
   if (!AucunLien() && IsTemoin()) SetPersonne();
 
@@ -241,11 +268,10 @@ void TPerson::Enregistrement(long no, TFicPersons* fic, bool sansChamps, bool sa
     }
   }
 
+  // L'index des noms d'abord : ses entrées sont dans la fiche, et le double du cache les
+  // reçoit ainsi avec le reste, en une seule recopie.
+  if (!sansIndex && majIndex && Numero != -2 && Numero != -3 && voisins) voisins->ModifClef(*this, true);
   UpdateBufferPerson();
-  // Place de TFicIndexPerson::ModifClef (index des noms) et de la recopie des 10 entrées
-  // d'index sur le double du cache.
-  (void)sansIndex;
-  (void)majIndex;
 
   TEnreg enreg{};
   TransfertDepuisPublic(enreg);
@@ -259,6 +285,8 @@ void TPerson::UpdateBufferPerson(bool forcer) {
   if (!Fichier || !Fichier->Cache() || Numero <= 0) return;
   Fichier->Cache()->Update(*this, forcer);
 }
+
+TVoisinsPersonne* TPerson::Voisins() const { return VoisinsDe(Gest()); }
 
 void TPerson::ViderCachesChps() {
   if (Fichier && Fichier->Cache()) Fichier->Cache()->Delete(Numero);

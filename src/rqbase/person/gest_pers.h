@@ -12,8 +12,16 @@
 // Dossier en erreur ou en lecture seule : Lecture rend une fiche vide, Enregistrement
 // ne fait rien.
 //
-// Les listes d'événements et de champs simples, les index de noms et les numéros de
-// Sosa arrivent avec leurs couches ; leurs étapes sont marquées dans gest_pers.cpp.
+// La personne possède ses deux listes (événements, champs simples), chargées à la demande
+// depuis la base (champs_personne.cpp). Les opérations qui passent par d'autres personnes
+// (liens, suppression, réparations) sont dans liens_personne.cpp, les tampons de date et
+// l'identifiant d'échange dans estampilles.cpp. Les numéros de Sosa arrivent avec leur
+// fichier ; leurs étapes sont marquées là où elles tombent.
+//
+// Invariants tenus par toute opération publique qui écrit : un parent a l'enfant dans ses
+// enfants ; un conjoint a la personne dans ses conjoints ; les deux parents d'un enfant sont
+// conjoints l'un de l'autre ; aucun lien vers soi ni au-delà du fichier ; les rangs d'union
+// des listes suivent la table des conjoints.
 #pragma once
 #include <NTL/ZZ.h>
 
@@ -22,12 +30,17 @@
 #include <string>
 #include <vector>
 
+#include "rqbase/person/vecteur_tv.h"
 #include "rqbase/storage/fic_ext_pers.h"
 #include "rqbase/storage/gest_fic_pers.h"
+#include "rqbase/util/date_heure.h"
 
 namespace rqbase {
 
 class TContexteDossier;
+class TChpCs;
+class TEquivChpCs;
+class TVoisinsPersonne;
 
 class TPerson {
  public:
@@ -70,6 +83,10 @@ class TPerson {
     TEnregPublic() { Raz(); }
     // Tout à zéro, type 'P', sexe '?', numéro de descendance "!!--!!" (pas encore calculé).
     void Raz();
+    // Première place vide, sauf si l'événement y est déjà ou si la table est pleine.
+    bool AjoutLienCitation(long noEven);
+    // Retire l'événement en remontant les suivants ; la place après le dernier est nulle.
+    bool SupprLienCitation(long noEven);
   };
 
   using TRappel = std::function<void(TPerson&)>;
@@ -100,6 +117,12 @@ class TPerson {
   void LibereMemoire();
   // Oublie la personne dans le cache et vide ses trois tables de liens.
   void ViderCachesChps();
+
+  // Les deux listes : nulles tant qu'elles ne sont pas chargées.
+  TVectorTV<TEvenementTV>* Evens() const { return Listes.Evens.get(); }
+  TVectorTV<TChpsSimpleTV>* Chps() const { return Listes.Chps.get(); }
+  TListesChps& ListesChps() { return Listes; }
+  void CopyChamps(const TPerson& autre);
 
   // Juge un enregistrement qui vient d'être lu : vrai s'il est foireux.
   bool EnregFoireux(const TEnreg& enreg) const;
@@ -160,6 +183,156 @@ class TPerson {
   // Efface père, mère, conjoints et enfants au-delà du compte du fichier, sans tasser.
   void RepareFiche();
 
+  // ===== Opérations qui passent par les autres personnes (liens_personne.cpp) =====
+  // `choix` nul : tout, la personne étant supprimée (ses propres liens restent dans sa fiche).
+  // Sinon choix[0] père, choix[1] mère, choix[2 + i] conjoint i, choix[2 + nbConjoints + i]
+  // enfant i.
+  void SupprimeLien(bool* choix = nullptr, bool inutilise1 = false, bool inutilise2 = false);
+  void SupprimeLienParent(bool pere);
+  // Sur l'enfant, avec le numéro d'un parent ; `no` revient à 0.
+  void SupprimeLienEnfant(long& no);
+  // Sur la personne, avec le numéro d'un conjoint ; `no` revient à 0.
+  void SupprimeLienConjoint(long& no, bool garderChamps = false);
+  // Sur un parent, avec le numéro d'un enfant ; `no` revient à 0.
+  void SupprimeLienPereMere(long& no, bool inutilise = false);
+  void Suppression(bool anonymiser);
+  void RestaurationData();
+  // L'ordre habituel des conjoints (date d'union) et des enfants (date de naissance).
+  void EnregClassementEnfConj(bool avecChamps);
+  bool IsCouplesHomosexuel() const;
+  // Après un changement de sexe ; vrai sauf si l'utilisateur annule.
+  bool GestionCoupleHomoSexuel(char ancienSexe, int* reponse);
+  // Réponse connue d'avance : 6 oui, 7 non, autre rien.
+  void GestionCoupleHomoSexuel(int reponse);
+  bool InverserPereEtMereDesEnfants(std::set<long>* faits);
+  void InverserSexeConjoints(std::set<long>* faits, std::set<long>* enfants);
+  // Réparations : vrai si quelque chose a changé (VerifLienSysmetrique : les liens de la
+  // personne elle-même).
+  bool VerifLienHorsFichier();
+  bool VerifLienSysmetrique();
+  // Ajoute `n` copies supprimées de la fiche au bout du fichier des personnes.
+  void AddPersGhost(int n);
+
+  // ===== Tampons et identifiant d'échange (estampilles.cpp) =====
+  void MajDateJourDDMF_DCF(bool creationSeule, const std::string& date = "");
+  void MajDateJourDDNOTIF(const TDateTime* date);
+  std::string RetourneIdPers(bool creer);
+  std::string GenereIdPersUnique();
+  bool VerifIdPersOk(const std::string& id);
+  void AddOrigineDataChps();
+
+  // ===== Événements et champs simples de la personne (champs_personne.cpp) =====
+  // Chargement.
+  void LectureComplementaire(int filtreAnnee = 0, bool recharger = false, bool inutilise = false);
+  void LectureComplementaireChpsSimple(bool inutilise = false);
+  void LectureComplementaireEvenement(int filtreAnnee = 0, bool recharger = false, bool inutilise = false);
+  void FiltreEvenApres(int annee) { LectureComplementaireEvenement(annee, true, true); }
+  void NouvelleFicheComplementaire();
+  void NouvelleFicheComplementaireChpsSimple();
+  void NouvelleFicheComplementaireEvenement();
+  // Une place des tables de liens ; au-delà de 99, un entier nul partagé.
+  int32_t& LienEvenement(int i);
+  int32_t& LienChpsSimple(int i);
+  // Charge la table des citations de la base au premier usage.
+  int32_t& LienCitation(int i);
+  bool IsCitee();
+  bool CanAddEvent() const { return Enreg.LiensEvenement[NbLiens - 1] == 0; }
+
+  // Lecture par rang (à partir de 1 ; 0 ou hors bornes : false).
+  int GetNbInfoEven();
+  int GetNbChpsSimple();
+  bool EvenNo(int rg, TEvenement::TEnreg* e);
+  bool ChpsSimpleNo(int rg, TChpsSimple::TEnreg* c);
+  // Par numéro d'enregistrement ; rend le rang, 0 si absent.
+  int EvenNoEnreg(long no, TEvenement::TEnreg* e);
+  int ChpsSimpleNoEnreg(long no, TChpsSimple::TEnreg* c);
+  // Rang (à partir de 1) du premier élément de ce libellé, et de ce conjoint s'il n'est pas
+  // nul, cherché après le rang `apres` ; 0 si aucun.
+  int GetRgEven(const std::string& libelle, long conjoint = 0, int apres = 0);
+  int GetRgChpsSimple(const std::string& libelle, long conjoint = 0, int apres = 0);
+  int GetRgEvenByID(long id);
+  int GetRgChpsSimpleByID(long id);
+  bool IsExistEven(const std::string& libelle, long conjoint = 0) { return GetRgEven(libelle, conjoint) > 0; }
+  bool IsExistChpsSimple(const std::string& libelle, long conjoint = 0) {
+    return GetRgChpsSimple(libelle, conjoint) > 0;
+  }
+  int CountEvents(const std::string& libelle);
+  // Le n-ième (à partir de 0) événement de ce libellé.
+  bool GetEvent(TEvenement& e, unsigned n, const std::string& libelle);
+  bool IsChpsExiste(const std::string& libelle);
+
+  // Modifications. AjoutEven : false à la limite des 100 événements (message montré).
+  bool AjoutEven(TEvenement* e, bool nouveau, bool surConjoint, bool enregistrer);
+  // Rend le numéro de l'événement neuf, 0 s'il n'a pas pu être ajouté.
+  long AjoutEvenVierge(const std::string& libelle, long conjoint, TPerson* conj);
+  bool MajEvenNo(int rg, const TEvenement::TEnreg* e);
+  bool SupprEvenNo(int rg, bool enregistrer);
+  bool ChangeEvenTV(int rg, const TEvenementTV& e);
+  // À sa place habituelle, s'il n'y est pas déjà.
+  void InsertEvenTV(const TEvenementTV& e);
+  // L'enregistrement de l'événement libéré de ses liens (conjoint, personnes citées, sources,
+  // illustrations) ; à appeler après SupprEvenNo.
+  void SupprimeEvenement(long no, bool surConjoint);
+  bool AjoutChpsSimple(const TChpsSimple::TEnreg* rec, long conjoint);
+  bool AjoutChpsSimpleVierge(const std::string& libelle, long conjoint);
+  long AjoutChpsSimpleViergeImmediatDisque(const std::string& libelle, long conjoint, TPerson* conj);
+  long AjoutChpsSimpleImmediatDisque(TChpsSimple::TEnreg& rec, TPerson* conj, bool ecrire);
+  bool MajChpsSimpleNo(int rg, const TChpsSimple::TEnreg* c);
+  bool SupprChpsSimpleNo(int rg, bool enregistrer);
+  bool ChangeChpsSimpleTV(int rg, const TChpsSimpleTV& c);
+  void SupprChampsMatchLibelle(const std::string& libelle);
+  void RestituerEvenNoEnreg(long no, long conjoint, int pos);
+  void RestituerChpsSimpleNoEnreg(long no, long conjoint, int pos);
+
+  // Ordre.
+  void ClassementChronoEven(bool inutilise1 = false, bool inutilise2 = false);
+  void ClassementTypeEven();
+  void MajEvenRgUnion();
+  void MajChpsSimpleRgUnion();
+  void RecompacterEvenement();
+  void TermineRecompacter();
+
+  // Recherche avec équivalents ; rendent le rang (à partir de 1), 0 si rien.
+  int InfoPremEven(const std::string& libelle, TEvenement::TEnreg* e, long conjoint = 0, TChpCs** chp = nullptr);
+  int RetEvenEquiv(const TEquivChpCs& equiv, TEvenement::TEnreg* e, long conjoint = 0, TChpCs** chp = nullptr,
+                   bool exact = false);
+  int RetEvenEquiv(const std::string& libelle, TEvenement::TEnreg* e, long conjoint = 0, TChpCs** chp = nullptr,
+                   bool exact = false);
+  int RetEvenNaissance(TEvenement::TEnreg* e, TChpCs** chp = nullptr, bool exact = false);
+  int RetEvenBapteme(TEvenement::TEnreg* e, TChpCs** chp = nullptr, bool exact = false);
+  int RetEvenDeces(TEvenement::TEnreg* e, TChpCs** chp = nullptr, bool exact = false);
+  int RetEvenInhumation(TEvenement::TEnreg* e, TChpCs** chp = nullptr, bool exact = false);
+  int RetEvenUnion(TEvenement::TEnreg* e, long conjoint, TChpCs** chp = nullptr, bool exact = false);
+  // Sans charger la personne : la liste si elle est là, la base sinon.
+  bool GetEvenNaissance(TEvenement* e, bool exact = false);
+  bool GetEvenDeces(TEvenement* e);
+  bool GetEvenOuEquivalent(const TEquivChpCs& equiv, TEvenement* e, bool exact = false);
+  bool GetEvenUnionOuEquivalent(TEvenement* e, long conjoint, bool exact = false);
+
+  // Professions, événements ou champs simples selon le catalogue du dossier.
+  void AjusteChampsProf(const std::string& texte);
+  void AjouteProfession(TChpCs* chp, const std::string& texte);
+  std::string GetToutesProfession();
+  void SuppressionProfession(int rg);
+
+  // Citations : les deux côtés s'écrivent ensemble.
+  void AjoutLiensPersCitees(long noEven, const TPersAssociee* tab);
+  void MajLiensPersCitees(long noEven, const TPersAssociee* anciens, const TPersAssociee* nouveaux);
+  static bool IsInPersAssociee(const TPersAssociee* tab, long no);
+
+  // Portraits : illustrations d'un événement "IMAGE".
+  bool AddImage(const std::string& chemin);
+  bool AddPortrait(const std::string& chemin, bool siAbsent);
+  bool PortraitExists(const std::string& chemin);
+  // Rang de l'événement "IMAGE" qui recevra le portrait, 0 si aucun.
+  int NoPortrait(const std::string& chemin);
+  std::string CheminImagePrioritaire(const std::string& libelle, const TEvenement::TEnreg* e = nullptr);
+  int RangEvenDefaut(const std::string& libelle);
+  bool SetImageAsDefault(int rang, const std::string& fichier, const std::string& libelle = "IMAGE");
+
+  // Les voisins du dossier (catalogue, lieux, notes) ; nul sans dossier.
+  TVoisinsPersonne* Voisins() const;
+
   bool IsPersonne() const { return Enreg.Type == 'P' || Enreg.Type == ' ' || Enreg.Type == 0; }
   bool IsTemoin() const { return Enreg.Type == 'T' || Enreg.Type == ' ' || Enreg.Type == 0; }
   bool FicheSupprimee() const { return Enreg.Supprime == 'O'; }
@@ -177,8 +350,11 @@ class TPerson {
  private:
   void LectureDisque(bool complement);
   void CopieRappels(const TPerson& autre);
+  // Position d'insertion d'un événement de ce libellé selon l'ordre habituel.
+  int PositionEven(const std::string& libelle);
   TFicPersons* Fichier;
   long Numero = 0;
+  TListesChps Listes;
 };
 
 }  // namespace rqbase

@@ -1,0 +1,2 @@
+// (en construction)
+#include "rqbase/person/gest_pers.h"

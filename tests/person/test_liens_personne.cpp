@@ -1,0 +1,2 @@
+// (en construction)
+#include <gtest/gtest.h>
