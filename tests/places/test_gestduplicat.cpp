@@ -185,6 +185,60 @@ TEST_F(DupliTest, EcritureRateeNeCompteRien) {
   EXPECT_EQ(std::string(Fichier().c_str()), "1");  // l'en-tête ne couvre pas la moitié écrite
 }
 
+// Le classement de l'ouverture se fait sur les octets de la table ; il doit rendre l'ordre
+// même de TTableTV::Classement sur les mêmes éléments, y compris pour les valeurs qui piègent
+// la clé de 16 octets (même début, ';' en tête, commune vide, accents, ';' dans le préfixe)
+// et pour des doublons exacts, rangés alors par Classement lui-même.
+TEST_F(DupliTest, OuvertureRangeCommeClassement) {
+  const std::vector<std::vector<const char*>> valeurs = {
+      {"Saint-Germain-en-Laye", "78", "Île-de-France", "France"},
+      {"Saint-Germain-des-Prés", "75", "", "France"},
+      {"SAINT-GERMAIN-EN-LAYE", "78", "", ""},
+      {"Saint-Germain-en-Laye", "78", "Ile-de-France", "France"},
+      {";Lyon", "", "", ""},
+      {"", "69", "", "France"},
+      {"!Bourg", "", "", ""},
+      {"ab;z", "", "", ""},
+      {"abc", "", "", ""},
+      {"Évreux", "27", "", ""},
+      {"Evreux", "27", "", ""},
+      {"evreux", "27", "", ""},
+      {"Commune 0000000001", "", "Région A", ""},
+      {"Commune 0000000001", "", "Région B", ""},
+      {"Commune 0000000002", "", "", ""},
+  };
+  for (const bool doublons : {false, true}) {
+    std::string octets(114, 0);
+    std::vector<TEltDupChn> elts;
+    for (size_t i = 0; i < valeurs.size() + (doublons ? 2 : 0); ++i) {
+      const auto& v = valeurs[i % valeurs.size()];
+      TEltDupChn e(static_cast<long>(i + 1), v[0], v[1], v[2], v[3]);
+      TEnregDupli r{};
+      std::strncpy(r.Ville, e.Ville, 50);
+      std::strncpy(r.Code, e.Code, 10);
+      std::strncpy(r.Pays, e.Pays, 50);
+      r.Etat = 'N';
+      octets.append(reinterpret_cast<const char*>(&r), sizeof r);
+      elts.push_back(e);
+    }
+    const std::string compte = std::to_string(elts.size());
+    octets.replace(0, compte.size(), compte);
+    Pose(octets);
+    auto f = Ouvre();
+    TTableTV attendue;
+    for (const TEltDupChn& e : elts) attendue.Ajoute(e);
+    TEltDupChn a, b;
+    attendue.Classement(a, b);
+    ASSERT_EQ(f->Table()->GetNbElt(), attendue.GetNbElt());
+    for (long p = 0; p < attendue.GetNbElt(); ++p) {
+      f->Table()->Lit(p, a);
+      attendue.Lit(p, b);
+      EXPECT_EQ(a.NoFiche, b.NoFiche) << "position " << p << (doublons ? " (doublons)" : "");
+      EXPECT_EQ(f->TabIndex()[static_cast<size_t>(a.NoFiche)], p);
+    }
+  }
+}
+
 TEST(DupliSansFichier, TableEnMemoireSeulement) {
   TFicDupli f(nullptr, tfDico, false);
   TEltDupChn b(0, "b"), a(0, "a"), c(0, "c");

@@ -67,6 +67,72 @@ int CompareOctets(const char* a, const char* b) {
   return d < 0 ? -1 : d > 0 ? 1 : 0;
 }
 
+// Une entrée de la table vue sur ses octets : les six textes de la forme compacte en place,
+// et les 16 premiers octets de la commune en capitales (avant son ';'), rangés pour qu'une
+// comparaison d'entiers donne l'ordre des octets.
+struct TVueElt {
+  const char* Champs[6];
+  uint64_t Cle[2];
+  bool CleValide;  // commune non vide : la clé décide dès qu'elle diffère
+  int32_t Rang;
+};
+
+void FixeCle(TVueElt& v) {
+  const char* maj = v.Champs[3];
+  const size_t l = std::strcspn(maj, ";");
+  unsigned char octets[16] = {};
+  std::memcpy(octets, maj, std::min<size_t>(l, 16));
+  for (int k = 0; k < 2; ++k) {
+    uint64_t c = 0;
+    for (int i = 0; i < 8; ++i) c = c << 8 | octets[k * 8 + i];
+    v.Cle[k] = c;
+  }
+  v.CleValide = l > 0;
+}
+
+// L'ordre d'EltCmp. Deux communes (en capitales, avant leur ';') qui diffèrent dans leurs
+// 16 premiers octets sont rangées par eux, comme MultiChnCmp le ferait : la plupart des
+// comparaisons ne vont pas relire les textes, épars dans la table.
+int CompareVues(const TVueElt& a, const TVueElt& b) {
+  if (a.CleValide && b.CleValide) {
+    if (a.Cle[0] != b.Cle[0]) return a.Cle[0] < b.Cle[0] ? -1 : 1;
+    if (a.Cle[1] != b.Cle[1]) return a.Cle[1] < b.Cle[1] ? -1 : 1;
+  }
+  return TEltDupChn::CompareChamps(a.Champs, b.Champs);
+}
+
+// Le classement de l'ouverture, fait sur les octets de la table : le tri par fusion de
+// Classement relit chaque élément (six textes copiés) à chaque comparaison, soit plus de la
+// moitié du temps d'ouverture. Sans égaux l'ordre trié est unique, donc celui que Classement
+// donnerait ; avec des égaux (deux enregistrements identiques), l'ordre entre eux est celui
+// des passes de Classement : false, et c'est à lui de classer.
+bool ClasseSansEgaux(TTableTV& table) {
+  const long n = table.GetNbElt();
+  std::vector<TVueElt> vues(static_cast<size_t>(n));
+  for (long r = 0; r < n; ++r) {
+    long lisibles = 0;
+    const char* p = table.Octets(r, &lisibles);
+    const char* fin = p + lisibles;
+    p += 5;  // NoFiche et Etat
+    TVueElt& v = vues[static_cast<size_t>(r)];
+    v.Rang = static_cast<int32_t>(r);
+    for (const char*& champ : v.Champs) {
+      const auto* zero = p < fin ? static_cast<const char*>(std::memchr(p, 0, static_cast<size_t>(fin - p))) : nullptr;
+      if (!zero) return false;
+      champ = p;
+      p = zero + 1;
+    }
+    FixeCle(v);
+  }
+  std::sort(vues.begin(), vues.end(), [](const TVueElt& a, const TVueElt& b) { return CompareVues(a, b) < 0; });
+  std::vector<int32_t> ordre(static_cast<size_t>(n));
+  for (size_t i = 0; i < vues.size(); ++i) {
+    if (i > 0 && CompareVues(vues[i - 1], vues[i]) == 0) return false;
+    ordre[i] = vues[i].Rang;
+  }
+  return table.Ordonne(ordre);
+}
+
 }  // namespace
 
 // --- TEltDupChn ---
@@ -175,26 +241,34 @@ void TEltDupChn::Lit(const char* p, long taille) {
 }
 
 int TEltDupChn::MultiChnCmp(const char* a, const char* b) {
-  const int d = CompareOctets(a, b);
+  // La comparaison d'octets entière n'est faite que si elle décide : c'est la fonction
+  // la plus appelée du classement d'un fichier de lieux.
   const char* pa = std::strchr(a, ';');
   const char* pb = std::strchr(b, ';');
-  if (!pa && !pb) return d;
+  if (!pa && !pb) return CompareOctets(a, b);
   const size_t la = pa ? size_t(pa - a) : std::strlen(a);
   const size_t lb = pb ? size_t(pb - b) : std::strlen(b);
-  if (la == 0 || lb == 0) return d;
+  if (la == 0 || lb == 0) return CompareOctets(a, b);
   const int premier = std::string_view(a, la).compare(std::string_view(b, lb));
   if (premier != 0) return premier < 0 ? -1 : 1;
-  return d;
+  return CompareOctets(a, b);
+}
+
+int TEltDupChn::CompareChamps(const char* const a[6], const char* const b[6]) {
+  // Les capitales d'abord ; les champs simples ne départagent que les accents et la casse.
+  if (int d = MultiChnCmp(a[3], b[3])) return d;
+  if (int d = CompareOctets(a[4], b[4])) return d;
+  if (int d = CompareOctets(a[5], b[5])) return d;
+  if (int d = MultiChnCmp(a[0], b[0])) return d;
+  if (int d = CompareOctets(a[1], b[1])) return d;
+  return CompareOctets(a[2], b[2]);
 }
 
 int TEltDupChn::EltCmp(const TEltBaseTV& autre) const {
   const auto& o = static_cast<const TEltDupChn&>(autre);
-  if (int d = MultiChnCmp(VilleMaj, o.VilleMaj)) return d;
-  if (int d = CompareOctets(CodeMaj, o.CodeMaj)) return d;
-  if (int d = CompareOctets(PaysMaj, o.PaysMaj)) return d;
-  if (int d = MultiChnCmp(Ville, o.Ville)) return d;
-  if (int d = CompareOctets(Code, o.Code)) return d;
-  return CompareOctets(Pays, o.Pays);
+  const char* const a[6] = {Ville, Code, Pays, VilleMaj, CodeMaj, PaysMaj};
+  const char* const b[6] = {o.Ville, o.Code, o.Pays, o.VilleMaj, o.CodeMaj, o.PaysMaj};
+  return CompareChamps(a, b);
 }
 
 // --- TFicheDupli ---
@@ -272,8 +346,10 @@ TFicDupli::TFicDupli(TContexteDossier* gest, TTypeFichier type, bool creation)
     }
     TableElts->Ajoute(elt);
   }
-  TEltDupChn a, b;
-  TableElts->Classement(a, b);
+  if (!ClasseSansEgaux(*TableElts)) {
+    TEltDupChn a, b;
+    TableElts->Classement(a, b);
+  }
   CalculIndex(0);
 }
 

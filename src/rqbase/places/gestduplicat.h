@@ -64,6 +64,9 @@ class TEltDupChn : public TEltBaseTV {
   int EltCmp(const TEltBaseTV& autre) const override;
   // Comparaison d'octets, mais une valeur « commune;région » se range par sa commune d'abord.
   static int MultiChnCmp(const char* a, const char* b);
+  // L'ordre d'EltCmp sur les six textes donnés dans l'ordre de la forme compacte : Ville,
+  // Code, Pays, VilleMaj, CodeMaj, PaysMaj.
+  static int CompareChamps(const char* const a[6], const char* const b[6]);
 
   int32_t NoFiche = 0;
   char Etat = 'N';

@@ -161,6 +161,26 @@ bool TTableTV::Lit(long rang, TEltBaseTV& elt) const {
   return true;
 }
 
+const char* TTableTV::Octets(long rang, long* lisibles) const {
+  if (rang < 0 || rang >= NbElt) return nullptr;
+  const int32_t decalage = Index[size_t(rang)];
+  if (lisibles) *lisibles = Utilise - decalage;
+  return Chn.data() + decalage;
+}
+
+bool TTableTV::Ordonne(const std::vector<int32_t>& ordre) {
+  if (ordre.size() != size_t(NbElt)) return false;
+  std::vector<bool> vu(ordre.size(), false);
+  for (int32_t r : ordre) {
+    if (r < 0 || r >= NbElt || vu[size_t(r)]) return false;
+    vu[size_t(r)] = true;
+  }
+  std::vector<int32_t> classe(ordre.size());
+  for (size_t i = 0; i < ordre.size(); ++i) classe[i] = Index[size_t(ordre[i])];
+  std::copy(classe.begin(), classe.end(), Index.begin());
+  return true;
+}
+
 void TTableTV::DeplaceIndex(long de, long vers) {
   if (de == vers) return;
   const int32_t valeur = Index[size_t(de)];

@@ -115,6 +115,14 @@ class TTableTV {
                 TProgression* progression = nullptr);
   // Réécrit la zone de texte sans les trous laissés par Change et Supprime.
   void ReorganiseTableChn();
+  // Les octets de l'élément de rang `rang`, sous la forme qu'Ecrit leur a donnée, et combien
+  // sont lisibles à partir de là ; nul hors des rangs. Valables jusqu'au prochain ajout.
+  const char* Octets(long rang, long* lisibles = nullptr) const;
+  // Range les entrées dans l'ordre donné : `ordre[i]` est le rang actuel de l'entrée qui
+  // prend le rang i. Un classement fait dehors sur les octets (sans relire chaque élément à
+  // chaque comparaison) s'applique ainsi. false, rien de changé, si `ordre` n'est pas une
+  // permutation des rangs.
+  bool Ordonne(const std::vector<int32_t>& ordre);
 
   void Sauvegarde(opstream& flux) const;
   // false (table vide, flux en échec) si le flux est court ou tient des comptes
