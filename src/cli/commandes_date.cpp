@@ -193,6 +193,9 @@ void Info(TContexteCli& ctx, const TOptionsDate& o) {
 
 }  // namespace
 
+rqbase::TDateRQ DateDeTexte(const std::string& utf8) { return LitDate(TOptionsDate{utf8, "", ""}); }
+
+
 void AjouteCommandesDate(CLI::App& app, TContexteCli& ctx) {
   auto* date = app.add_subcommand("date", U("Dates et calendriers"));
   date->require_subcommand(1);

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "commandes.h"
+#include "description_personne.h"
 #include "ouverture.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/platform/attributs.h"
@@ -138,7 +139,8 @@ void Personne(TContexteCli& ctx, const std::string& nom, long no) {
   rqbase::TFicPersons* fic = gest->FicPersons();
   if (no < 1 || no > fic->NbPersEffective())
     throw ERqBase("La personne " + std::to_string(no) + " n'existe pas dans ce dossier.");
-  const TPerson p(fic, no);
+  TPerson p(fic, no);
+  const json listes = DecritListes(*gest, p);
   const json conjoints = ListeConj(p.Enreg.Conjoints, TPerson::NbConjoints);
   const json enfants = Liste(p.Enreg.Enfants, TPerson::NbEnfants);
   json j = {{"numero", no},
@@ -153,7 +155,9 @@ void Personne(TContexteCli& ctx, const std::string& nom, long no) {
             {"conjoints", conjoints},
             {"enfants", enfants},
             {"note", static_cast<long>(p.Enreg.Note)},
-            {"extension", static_cast<long>(p.Enreg.Extension)}};
+            {"extension", static_cast<long>(p.Enreg.Extension)},
+            {"evenements", listes["evenements"]},
+            {"champs", listes["champs"]}};
   if (ctx.Json) return EcritJson(j);
   Ecrit("Numéro      : " + std::to_string(no) + (p.FicheSupprimee() ? " (supprimée)" : ""));
   Ecrit("Type        : " + Car(p.Enreg.Type));
@@ -165,6 +169,7 @@ void Personne(TContexteCli& ctx, const std::string& nom, long no) {
   Ecrit("Enfants     : " + Nombres(enfants));
   Ecrit("Note        : " + std::to_string(p.Enreg.Note));
   Ecrit("Débordement : " + std::to_string(p.Enreg.Extension));
+  EcritListes(listes);
 }
 
 void AjoutePersonne(TContexteCli& ctx, const std::string& nom, const std::string& nomFamille,

@@ -98,6 +98,8 @@ int main(int argc, char** argv) {
   AjouteCommandesLieux(app, ctx);
   AjouteCommandesEvenements(app, ctx);
   AjouteCommandesNoms(app, ctx);
+  AjouteCommandesFamille(app, ctx);
+  AjouteCommandesFaits(app, ctx);
 
   FranciseSousCommandes(app);
 

@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/person/buffer_arb_chrono.h"
 #include "rqbase/person/liste_evenements.h"
 #include "rqbase/person/voisins_personne.h"
@@ -445,14 +446,16 @@ void TPerson::SetPrenoms(const std::string& prenoms) {
 }
 
 int TPerson::AjouteConj(long no, bool avecEvenement, TPerson* conjoint) {
-  (void)conjoint;
   if (no == 0) return -1;
   for (int i = 0; i < NbConjoints; ++i) {
     if (Enreg.Conjoints[i].No == no) return i;
     if (Enreg.Conjoints[i].No == 0) {
       Enreg.Conjoints[i] = TLienConj(no, 0, 0);
-      // Place de AjoutEvenVierge (événement d'union vierge) quand `avecEvenement`.
-      (void)avecEvenement;
+      if (avecEvenement) {
+        const TVoisinsPersonne* v = Voisins();
+        const TDefChpsCs* cat = v ? v->GetDefChpsCs() : nullptr;
+        AjoutEvenVierge(cat ? cat->EquivUnion.LibelleChamp1 : std::string("UNION"), no, conjoint);
+      }
       return i;
     }
   }
