@@ -1,0 +1,518 @@
+// Recherche par nom dans la table triée de l'index, et listes de valeurs tirées d'elle.
+//
+// Un critère de nom exact (ou un masque qui commence par des lettres) ne parcourt que la
+// tranche de la table qui porte ce nom : la table est triée d'abord sur le nom. Un critère
+// vide, un masque qui commence par '*' ou le soundex parcourent toute la table.
+#include "rqbase/index/recherche_index.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <unordered_map>
+
+#include "rqbase/index/bo_chn.h"
+#include "rqbase/index/particules.h"
+#include "rqbase/index/soundex.h"
+#include "rqbase/person/gest_pers.h"
+#include "rqbase/platform/progression.h"
+#include "rqbase/util/chaines.h"
+#include "rqbase/util/majuscules.h"
+
+namespace rqbase {
+
+namespace {
+
+constexpr const char* kSansNom = "ZPASZDEZNOM";
+constexpr const char* kSansPrenom = "ZPASZDEZPRENOM";
+constexpr const char* kSansPere = "ZPASZDEZPERE";
+constexpr const char* kSansMere = "ZPASZDEZMERE";
+// La clé d'index garde 20 caractères : un critère plus long est coupé de même.
+constexpr size_t kLongueurCle = 20;
+
+// Le critère spécial, avec ou sans le 'Z' final que certaines saisies lui ajoutent.
+bool EstSpecial(const std::string& critere, const char* special) {
+  const size_t n = std::strlen(special);
+  return critere.compare(0, std::string::npos, special) == 0 ||
+         (critere.size() == n + 1 && critere.compare(0, n, special) == 0 && critere[n] == 'Z');
+}
+
+// Un critère de nom ou de prénom prêt pour une recherche : texte d'index, son soundex.
+struct TCritere {
+  std::string Texte;
+  char Soundex[kTailleSoundex] = {};
+  bool Vide = true;
+  bool SansValeur = false;  // ZPASZDEZNOM / ZPASZDEZPRENOM
+
+  TCritere(const std::string& texte, const char* special) : Texte(texte) {
+    if (Texte.size() > kLongueurCle && !EstSpecial(Texte, special)) Texte.resize(kLongueurCle);
+    Vide = Texte.empty();
+    SansValeur = EstSpecial(Texte, special);
+    strSoundex(Texte.c_str(), Soundex);
+  }
+  // `texte` et `soundex` : ceux d'une ligne de l'index.
+  bool Repond(const char* texte, const char* soundex, bool avecSoundex) const {
+    if (Vide) return true;
+    if (SansValeur) return texte[0] == 0;
+    if (StrCmpMasque(texte, Texte.c_str()) == 0) return true;
+    return avecSoundex && Soundex[0] != 0 && texte[0] != 0 && StrCmpMasque(soundex, Soundex) == 0;
+  }
+};
+
+// Un élément d'un nom ou de prénoms de fiche, comme CompareNomPrenoms le compare.
+std::string ElementCompare(const std::string& element) {
+  std::string e = Trim(PasseParticule(Trim(element)));
+  return UpperANSIChaineAS(e, 2);
+}
+
+std::vector<std::string> Elements(const std::string& texte, char separateur) {
+  std::vector<std::string> r;
+  for (std::string_view e : DecoupeElts(texte, separateur)) {
+    std::string t = Trim(e);
+    if (!t.empty()) r.push_back(t);
+  }
+  return r;
+}
+
+// Un élément d'une fiche comparé à un critère d'index.
+bool ElementRepond(const std::vector<std::string>& elements, const std::string& critere, const char* special,
+                   bool soundex) {
+  if (critere.empty()) return true;
+  char sdxCritere[kTailleSoundex];
+  strSoundex(critere.c_str(), sdxCritere);
+  bool vide = elements.empty();
+  for (const std::string& brut : elements) {
+    const std::string e = ElementCompare(brut.substr(0, 100));
+    if (e.empty()) {
+      vide = true;
+      continue;
+    }
+    if (StrCmpMasque(e.c_str(), critere.c_str()) == 0) return true;
+    if (soundex && sdxCritere[0]) {
+      char sdx[kTailleSoundex];
+      if (strSoundex(e.c_str(), sdx) && StrCmpMasque(sdx, sdxCritere) == 0) return true;
+    }
+  }
+  return vide && EstSpecial(critere, special);
+}
+
+// Un critère tapé, mis en forme d'index en gardant ses '*' : la forme d'index ôte l'étoile avec
+// les autres caractères interdits, et le masque serait perdu. Les particules se cherchent sur
+// le critère entier (l'étoile ne sépare pas les mots : "D*R*" n'est pas la particule "D").
+std::string FormatCritere(const std::string& critere) {
+  if (critere.find('*') == std::string::npos) return FormatIndex(critere);
+  const std::string plie = UpperANSIChaineAS(PasseParticule(critere), 2);
+  std::string r;
+  for (size_t debut = 0;;) {
+    const size_t etoile = plie.find('*', debut);
+    r += TransformeEnCaractereIndex(plie.substr(debut, etoile == std::string::npos ? std::string::npos : etoile - debut));
+    if (etoile == std::string::npos) break;
+    r += '*';
+    debut = etoile + 1;
+  }
+  return r;
+}
+
+bool CommencePar(const char* texte, const std::string& debut) {
+  return std::strncmp(texte, debut.c_str(), debut.size()) == 0;
+}
+
+}  // namespace
+
+// --- Masque ---
+
+int StrCmpMasque(const char* texte, const char* masque) {
+  if (!texte) texte = "";
+  if (!masque) masque = "";
+  if (!std::strchr(masque, '*')) return std::strcmp(texte, masque);
+  const size_t lt = std::strlen(texte);
+  const char* m = masque;
+  size_t pos = 0;
+  bool premier = true;
+  while (true) {
+    const char* etoile = std::strchr(m, '*');
+    const size_t n = etoile ? size_t(etoile - m) : std::strlen(m);
+    if (!etoile) {
+      // Dernier morceau : il finit le texte (un masque qui finit par '*' en laisse un vide).
+      if (n == 0) return 0;
+      if (lt - pos < n) return 1;
+      if (premier) return (lt == n && std::memcmp(texte, m, n) == 0) ? 0 : 1;
+      return std::memcmp(texte + lt - n, m, n) == 0 ? 0 : 1;
+    }
+    if (n > 0) {
+      if (premier) {
+        if (lt < n || std::memcmp(texte, m, n) != 0) return 1;
+        pos = n;
+      } else {
+        const std::string_view reste(texte + pos, lt - pos);
+        const size_t trouve = reste.find(std::string_view(m, n));
+        if (trouve == std::string_view::npos) return 1;
+        pos += trouve + n;
+      }
+    }
+    premier = false;
+    m = etoile + 1;
+  }
+}
+
+// --- Critères ---
+
+void TGestEltIndex::TRechSimple::RazTotal() {
+  *this = TRechSimple();
+}
+
+void TGestEltIndex::TRechSimple::RazExclu() {
+  NoExclu = -1;
+  std::memset(CriteresExclu, 0, sizeof CriteresExclu);
+  ExcluParPere = ExcluParMere = false;
+  ExcluPere = ExcluMere = 0;
+  Profondeur = 0;
+  Exclus.clear();
+}
+
+std::string TGestEltIndex::FormatIndex(const std::string& nom) { return rqbase::FormatIndex(nom); }
+
+// --- Recherche ---
+
+long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::string>* noms,
+                                    std::vector<long>* numeros, TProgression* progression) {
+  if (!rs.Ajoute || GetNbElt() == 0) {
+    if (noms) noms->clear();
+    if (numeros) numeros->clear();
+  }
+  if (GetNbElt() == 0) return 0;
+
+  std::vector<std::string> lesNoms = Elements(rs.Nom, ';');
+  std::vector<std::string> lesPrenoms = Elements(rs.Prenoms, ' ');
+  if (lesNoms.empty()) lesNoms.push_back("");
+  if (lesPrenoms.empty()) lesPrenoms.push_back("");
+  for (std::string& n : lesNoms) n = FormatCritere(n);
+  for (std::string& p : lesPrenoms) p = FormatCritere(p);
+
+  if (progression) {
+    progression->Maximum(long(lesNoms.size() * lesPrenoms.size()));
+    progression->Position(0);
+  }
+  std::map<long, long> trouves;  // personne -> rang de sa première ligne
+  for (const std::string& nom : lesNoms) {
+    for (const std::string& prenom : lesPrenoms) {
+      if (GetAbandon() || (progression && progression->Abandon())) break;
+      RechercheSimpleNomEtConj(rs, trouves, nom, prenom);
+      if (progression) progression->Avance();
+    }
+  }
+
+  std::vector<std::pair<long, long>> ordre;  // (rang, personne)
+  ordre.reserve(trouves.size());
+  for (const auto& [no, rang] : trouves) ordre.emplace_back(rang, no);
+  std::sort(ordre.begin(), ordre.end());
+  if (rs.Limite > 0 && long(ordre.size()) > rs.Limite) ordre.resize(size_t(rs.Limite));
+  for (const auto& [rang, no] : ordre) {
+    if (numeros) numeros->push_back(no);
+    if (noms) {
+      TEnregPersonne e{};
+      if (Personnes && Personnes->LitEnreg(no, e)) {
+        e.Nom[sizeof e.Nom - 1] = 0;
+        e.Prenoms[sizeof e.Prenoms - 1] = 0;
+        noms->push_back(std::string(e.Nom) + " " + e.Prenoms);
+      } else {
+        TEltIndex elt;
+        Lit(rang, elt);
+        noms->push_back(std::string(elt.Enreg.Nom) + " " + elt.Enreg.Prenom);
+      }
+    }
+  }
+  return long(ordre.size());
+}
+
+void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, std::map<long, long>& trouves,
+                                             const std::string& nom, const std::string& prenom) {
+  const TCritere cNom(nom, kSansNom);
+  const TCritere cPrenom(prenom, kSansPrenom);
+
+  // La tranche de la table qui peut répondre.
+  long debut = 0, fin = GetNbElt();
+  std::string prefixe;
+  bool tranche = false;
+  if (!cNom.Vide && !rs.SoundexNom) {
+    if (cNom.SansValeur) {
+      prefixe.clear();
+      tranche = true;
+    } else {
+      prefixe = cNom.Texte.substr(0, cNom.Texte.find('*'));
+      tranche = !prefixe.empty();
+    }
+    if (tranche) debut = PremierRangNom(prefixe);
+  }
+
+  std::unordered_map<long, bool> jugees;  // personnes déjà jugées sur leurs critères propres
+  TEltIndex elt;
+  for (long rang = debut; rang < fin; ++rang) {
+    if ((rang & 1023) == 0 && GetAbandon()) return;
+    Lit(rang, elt);
+    const TEnregIndex& e = elt.Enreg;
+    if (tranche) {
+      if (cNom.SansValeur ? e.Nom[0] != 0 : !CommencePar(e.Nom, prefixe)) break;
+    }
+    if (!cNom.Repond(e.Nom, e.NomSoundex, rs.SoundexNom)) continue;
+    if (!cPrenom.Repond(e.Prenom, e.PrenomSoundex, rs.SoundexPrenom)) continue;
+    if (!CritereLigne(rs, e)) continue;
+    const long no = e.NoPers;
+    auto deja = trouves.find(no);
+    if (deja != trouves.end()) {
+      deja->second = std::min(deja->second, rang);
+      continue;
+    }
+    auto [place, neuve] = jugees.try_emplace(no, false);
+    if (neuve) place->second = CriterePersonne(rs, no);
+    if (place->second) trouves.emplace(no, rang);
+  }
+}
+
+bool TGestEltIndex::CritereLigne(const TRechSimple& rs, const TEnregIndex& e) const {
+  if (e.FicheSupprimee == 'O' || e.NoPers <= 0) return false;
+  if (rs.NoPers != -1 && e.NoPers != rs.NoPers) return false;
+  if (!((rs.Personnes && e.IsPersonne()) || (rs.Temoins && e.IsTemoin()))) return false;
+  char sexe = rs.Sexe;
+  if (rs.Hommes != rs.Femmes) sexe = rs.Hommes ? 'M' : 'F';
+  if (sexe != '?') {
+    const char s = e.Sexe == 0 ? ' ' : e.Sexe;
+    if (s != sexe) return false;
+  }
+  if (rs.AvecPeriode) {
+    // Une vie dont aucune borne n'est connue ne se place dans aucune période ; une borne
+    // inconnue seule laisse ce côté ouvert.
+    if (e.AnneeMin == 0 && e.AnneeMax == 0) return false;
+    const int bas = e.AnneeMin != 0 ? e.AnneeMin : INT_MIN;
+    const int haut = e.AnneeMax != 0 ? e.AnneeMax : INT_MAX;
+    if (haut < rs.AnneeDebut || bas > rs.AnneeFin) return false;
+  }
+  return true;
+}
+
+bool TGestEltIndex::PersonneValide(long no) {
+  if (no <= 0) return false;
+  if (!Personnes) return true;
+  if (no > Personnes->NbEnreg()) return false;
+  TEnregPersonne e{};
+  if (!Personnes->LitEnreg(no, e)) return false;
+  return e.Supprime != 'O';
+}
+
+bool TGestEltIndex::CriterePersonne(const TRechSimple& rs, long no) {
+  if (!PersonneValide(no)) return false;
+  const bool conjoint = !rs.NomConjoint.empty() || !rs.PrenomsConjoint.empty();
+  const bool parents = !rs.Parents.empty() || rs.AvecParents || rs.Pere != 0 || rs.Mere != 0;
+  const bool liens = rs.SansConjoint || rs.SansEnfant || rs.NbConjointsMin > 0 || rs.NbEnfantsMin > 0;
+  const bool exclusions = !rs.Exclus.empty() || rs.NoExclu != -1 || rs.ExcluPere != 0 || rs.ExcluMere != 0;
+  if (!conjoint && !parents && !liens && !exclusions) return true;
+  if (!Personnes) return !conjoint && !parents && !liens && !IsExclu(no, &rs);
+
+  const TPerson p(Personnes, no);
+  if (p.FicheSupprimee()) return false;
+  if (parents) {
+    for (const std::string& c : Elements(rs.Parents, ';')) {
+      const std::string f = FormatIndex(c);
+      if (EstSpecial(f, kSansPere) && p.Enreg.Pere.No > 0) return false;
+      if (EstSpecial(f, kSansMere) && p.Enreg.Mere.No > 0) return false;
+    }
+    if (rs.AvecParents && (p.Enreg.Pere.No <= 0 || p.Enreg.Mere.No <= 0)) return false;
+    if (rs.Pere != 0 && p.Enreg.Pere.No != rs.Pere) return false;
+    if (rs.Mere != 0 && p.Enreg.Mere.No != rs.Mere) return false;
+  }
+  if (liens) {
+    const int nbConj = p.CompteNbConjoint();
+    const int nbEnf = p.CompteNbEnfant();
+    if (rs.SansConjoint && nbConj > 0) return false;
+    if (rs.SansEnfant && nbEnf > 0) return false;
+    if (nbConj < rs.NbConjointsMin || nbEnf < rs.NbEnfantsMin) return false;
+  }
+  if (conjoint) {
+    // Chaque nom et chaque prénom du critère du conjoint, comme pour la personne : il suffit
+    // qu'un conjoint réponde à un couple.
+    std::vector<std::string> nomsC = Elements(rs.NomConjoint, ';');
+    std::vector<std::string> prenomsC = Elements(rs.PrenomsConjoint, ' ');
+    if (nomsC.empty()) nomsC.push_back("");
+    if (prenomsC.empty()) prenomsC.push_back("");
+    for (std::string& n : nomsC) n = FormatCritere(n);
+    for (std::string& n : prenomsC) n = FormatCritere(n);
+    bool trouve = false;
+    for (int i = 0; i < TPerson::NbConjoints && !trouve; ++i) {
+      const long c = p.Enreg.Conjoints[i].No;
+      if (c <= 0 || !PersonneValide(c)) continue;
+      const TPerson conj(Personnes, c);
+      for (const std::string& n : nomsC)
+        for (const std::string& pr : prenomsC)
+          if (!trouve && CompareNomPrenoms(conj, n, pr, rs.SoundexConjoint, rs.SoundexConjoint)) trouve = true;
+    }
+    if (!trouve) return false;
+  }
+  return !exclusions || !IsExclu(no, &rs);
+}
+
+// --- Tests sur une personne ---
+
+bool TGestEltIndex::CompareNom(const std::string& noms, const std::string& critere, bool soundex) {
+  return ElementRepond(Elements(noms, ';'), critere, kSansNom, soundex);
+}
+
+bool TGestEltIndex::ComparePrenoms(const std::string& prenoms, const std::string& critere, bool soundex) {
+  return ElementRepond(Elements(prenoms, ' '), critere, kSansPrenom, soundex);
+}
+
+bool TGestEltIndex::CompareNomPrenoms(const TPerson& p, const std::string& nom, const std::string& prenom,
+                                      bool soundexNom, bool soundexPrenom) {
+  std::string noms(p.Enreg.Nom, strnlen(p.Enreg.Nom, sizeof p.Enreg.Nom));
+  std::string prenoms(p.Enreg.Prenoms, strnlen(p.Enreg.Prenoms, sizeof p.Enreg.Prenoms));
+  return CompareNom(noms, nom, soundexNom) && ComparePrenoms(prenoms, prenom, soundexPrenom);
+}
+
+bool TGestEltIndex::IsPrenomsCorrespond(const std::string& prenoms, const std::string& critere) {
+  for (const std::string& c : Elements(critere, ' '))
+    if (ComparePrenoms(prenoms, FormatCritere(c), false)) return true;
+  return Elements(critere, ' ').empty();
+}
+
+// --- Exclusions ---
+
+bool TGestEltIndex::IsExclu(long no, const TRechSimple* rs) {
+  if (!rs) return false;
+  const bool parLignee = rs->ExcluParPere || rs->ExcluParMere;
+  if (rs->Exclus.empty() && rs->NoExclu == -1 && rs->ExcluPere == 0 && rs->ExcluMere == 0) return false;
+  if (rs->Exclus.count(no) != 0 || no == rs->NoExclu) return true;
+  if (!Personnes || no <= 0 || no > Personnes->NbEnreg()) return false;
+  if (rs->ExcluPere != 0 || rs->ExcluMere != 0) {
+    TEnregPersonne e{};
+    if (!Personnes->LitEnreg(no, e)) return false;
+    return (rs->ExcluPere != 0 && e.Pere.No == rs->ExcluPere) || (rs->ExcluMere != 0 && e.Mere.No == rs->ExcluMere);
+  }
+  return parLignee && IsExcluParentsRecursif(rs->Profondeur + 1, no, rs);
+}
+
+bool TGestEltIndex::IsExcluParentsRecursif(int profondeur, long no, const TRechSimple* rs) {
+  if (!rs || !Personnes || profondeur <= 0) return false;
+  // Génération par génération, chaque ancêtre vu une fois : un cycle de parents (fichier
+  // abîmé) ou un implexe ne font ni boucler ni exploser la remontée.
+  std::set<long> vus{no};
+  std::vector<long> generation{no};
+  for (int g = 0; g < profondeur && !generation.empty(); ++g) {
+    std::vector<long> suivante;
+    for (long n : generation) {
+      if (n <= 0 || n > Personnes->NbEnreg()) continue;
+      TEnregPersonne e{};
+      if (!Personnes->LitEnreg(n, e)) continue;
+      for (int cote = 0; cote < 2; ++cote) {
+        if (cote == 0 ? !rs->ExcluParPere : !rs->ExcluParMere) continue;
+        const long parent = cote == 0 ? e.Pere.No : e.Mere.No;
+        if (parent <= 0) continue;
+        if (rs->Exclus.count(parent) != 0 || parent == rs->NoExclu) return true;
+        if (vus.insert(parent).second) suivante.push_back(parent);
+      }
+    }
+    generation.swap(suivante);
+  }
+  return false;
+}
+
+// --- Listes de valeurs ---
+
+long TGestEltIndex::PremierRangNom(const std::string& nom) const {
+  long bas = 0, haut = GetNbElt();
+  TEltIndex elt;
+  while (bas < haut) {
+    const long milieu = bas + (haut - bas) / 2;
+    Lit(milieu, elt);
+    const int c = std::strcmp(elt.Enreg.Nom, nom.c_str());
+    if (c < 0)
+      bas = milieu + 1;
+    else
+      haut = milieu;
+  }
+  return bas;
+}
+
+void TGestEltIndex::RetournePatronyme(std::vector<std::string>& liste, const std::string& debut) const {
+  liste.clear();
+  TEltIndex elt;
+  for (long r = debut.empty() ? 0 : PremierRangNom(debut); r < GetNbElt(); ++r) {
+    Lit(r, elt);
+    if (!CommencePar(elt.Enreg.Nom, debut)) break;
+    if (elt.Enreg.Nom[0] == 0 || elt.Enreg.FicheSupprimee == 'O') continue;
+    if (liste.empty() || liste.back() != elt.Enreg.Nom) liste.emplace_back(elt.Enreg.Nom);
+  }
+}
+
+void TGestEltIndex::RetournePrenoms(const std::string& nom, std::vector<std::string>& liste) const {
+  liste.clear();
+  std::set<std::string> vus;
+  TEltIndex elt;
+  for (long r = PremierRangNom(nom); r < GetNbElt(); ++r) {
+    Lit(r, elt);
+    if (nom != elt.Enreg.Nom) break;
+    if (elt.Enreg.Prenom[0] != 0 && elt.Enreg.FicheSupprimee != 'O') vus.insert(elt.Enreg.Prenom);
+  }
+  liste.assign(vus.begin(), vus.end());
+}
+
+void TGestEltIndex::RetourneToutPrenom(std::vector<std::string>& liste) const {
+  std::set<std::string> vus;
+  TEltIndex elt;
+  for (long r = 0; r < GetNbElt(); ++r) {
+    Lit(r, elt);
+    if (elt.Enreg.Prenom[0] != 0 && elt.Enreg.FicheSupprimee != 'O') vus.insert(elt.Enreg.Prenom);
+  }
+  liste.assign(vus.begin(), vus.end());
+}
+
+void TGestEltIndex::RetourneListPatronyme(std::map<std::string, long>& compte) const {
+  compte.clear();
+  TEltIndex elt;
+  std::string courant;
+  std::set<long> personnes;
+  auto range = [&] {
+    if (!courant.empty()) compte[courant] = long(personnes.size());
+    personnes.clear();
+  };
+  for (long r = 0; r < GetNbElt(); ++r) {
+    Lit(r, elt);
+    if (courant != elt.Enreg.Nom) {
+      range();
+      courant = elt.Enreg.Nom;
+    }
+    if (elt.Enreg.FicheSupprimee != 'O' && elt.Enreg.NoPers > 0) personnes.insert(elt.Enreg.NoPers);
+  }
+  range();
+}
+
+void TGestEltIndex::RetourneListPrenom(std::map<std::string, long>& compte) const {
+  compte.clear();
+  std::map<std::string, std::set<long>> porteurs;
+  TEltIndex elt;
+  for (long r = 0; r < GetNbElt(); ++r) {
+    Lit(r, elt);
+    if (elt.Enreg.Prenom[0] != 0 && elt.Enreg.FicheSupprimee != 'O' && elt.Enreg.NoPers > 0)
+      porteurs[elt.Enreg.Prenom].insert(elt.Enreg.NoPers);
+  }
+  for (const auto& [prenom, p] : porteurs) compte[prenom] = long(p.size());
+}
+
+// --- Lignes d'une personne ---
+
+void TGestEltIndex::ChercheClefPersNo(long no, std::vector<long>& rangs) const {
+  rangs.clear();
+  TEltIndex elt;
+  for (long r = 0; r < GetNbElt(); ++r) {
+    Lit(r, elt);
+    if (elt.Enreg.NoPers == no) rangs.push_back(r);
+  }
+}
+
+long TGestEltIndex::SupprimeClefPersNo(long no) {
+  std::vector<long> rangs;
+  ChercheClefPersNo(no, rangs);
+  TEltIndex travail;
+  // Du dernier au premier : les rangs d'avant ne bougent pas.
+  for (auto it = rangs.rbegin(); it != rangs.rend(); ++it) Supprime(*it, travail);
+  return long(rangs.size());
+}
+
+}  // namespace rqbase

@@ -1,0 +1,149 @@
+// TGestEltIndex : la table triée en mémoire de l'index des noms, et la recherche par nom.
+//
+// Une ligne par nom et prénom d'une personne (TEltIndex), rangées dans l'ordre de la table
+// (voir ligne_index.h). Toutes les recherches passent par elle : la table IndexNomPrenoms de
+// la base n'est jamais lue pour chercher. Les personnes ne sont lues que pour les critères qui
+// les demandent (conjoints, parents, exclusions) et pour écarter une ligne qui désigne une
+// personne supprimée ou hors du fichier : une ligne fausse ne fait jamais lister une personne.
+//
+// Critères (TRechSimple). Les textes passent par FormatIndex (capitales nues, sans particule,
+// caractères d'index) ; plusieurs noms se séparent par ';', plusieurs prénoms par des blancs,
+// et une personne trouvée par plusieurs couples (nom, prénom) ne figure qu'une fois. Un critère
+// vide ne filtre pas. Un '*' fait du critère un masque (StrCmpMasque). Le soundex, demandé pour
+// le nom ou pour le prénom, rattrape ce que le texte n'a pas trouvé. Valeurs spéciales :
+// "ZPASZDEZNOM" (pas de nom), "ZPASZDEZPRENOM" (pas de prénom), et dans le critère des parents
+// "ZPASZDEZPERE", "ZPASZDEZMERE" (pas de père, pas de mère).
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "rqbase/index/ligne_index.h"
+#include "rqbase/storage/g_tblvar.h"
+
+namespace rqbase {
+
+class TFicPersons;
+class TPerson;
+class TProgression;
+
+// Compare un texte à un masque : 0 s'il y répond, non nul sinon. Sans '*', le texte doit être
+// égal au masque (le résultat est alors celui de strcmp). Avec '*', le masque se coupe en
+// morceaux sur les '*' : chaque morceau doit se trouver dans le texte, dans l'ordre et sans se
+// chevaucher ; le premier morceau doit commencer le texte si le masque ne commence pas par
+// '*', le dernier le finir si le masque ne finit pas par '*'. Un masque fait de '*' seuls
+// répond à tout texte.
+int StrCmpMasque(const char* texte, const char* masque);
+
+class TGestEltIndex : public TTableTV {
+ public:
+  // Les critères d'une recherche. RazTotal remet tout ; RazExclu les seules exclusions.
+  struct TRechSimple {
+    TRechSimple() = default;
+    void RazTotal();
+    void RazExclu();
+
+    // Quatre textes : noms (';'), prénoms (blancs), nom et prénoms d'un conjoint.
+    std::string Nom, Prenoms, NomConjoint, PrenomsConjoint;
+    long NoPers = -1;  // -1 : toute personne ; sinon seule cette personne répond
+
+    // Dix drapeaux, baissés au départ.
+    bool SoundexNom = false;
+    bool SoundexPrenom = false;
+    bool SoundexConjoint = false;  // soundex pour le nom et les prénoms du conjoint
+    bool SansConjoint = false;     // seulement les personnes sans conjoint
+    bool SansEnfant = false;       // seulement les personnes sans enfant
+    bool AvecParents = false;      // seulement les personnes qui ont père et mère
+    bool Hommes = false;           // Hommes et Femmes : raccourcis de Sexe
+    bool Femmes = false;
+    bool Ajoute = false;           // la liste n'est pas vidée avant la recherche
+    bool Equivalences = false;     // équivalences de noms : sans effet tant qu'elles manquent
+    // Deux drapeaux levés au départ : les personnes et les témoins répondent.
+    bool Personnes = true;
+    bool Temoins = true;
+    // Une période : la vie connue de la personne (AnneeMin..AnneeMax) doit la toucher.
+    bool AvecPeriode = false;
+    int AnneeDebut = 0, AnneeFin = 0;
+    char Sexe = '?';          // '?' : tous ; 'M', 'F' ; ' ' les personnes de sexe blanc
+    std::string Parents;      // "ZPASZDEZPERE", "ZPASZDEZMERE", ou les deux séparés par ';'
+    int NbConjointsMin = 0, NbEnfantsMin = 0;  // au moins ce nombre de conjoints, d'enfants
+    long Pere = 0, Mere = 0;  // seulement les enfants de ce père, de cette mère (0 : sans)
+    long Limite = 0;          // au plus ce nombre de personnes (0 : sans limite)
+
+    // Exclusions.
+    long NoExclu = -1;                  // une personne exclue, avec sa lignée si demandé
+    uint8_t CriteresExclu[16] = {};     // réservés
+    bool ExcluParPere = false;          // remonter par les pères
+    bool ExcluParMere = false;          // remonter par les mères
+    long ExcluPere = 0, ExcluMere = 0;  // exclut les enfants de ce père, de cette mère
+    int Profondeur = 0;                 // générations remontées (0 : les parents seuls)
+    std::set<long> Exclus;              // numéros exclus
+  };
+
+  TGestEltIndex(long initial = 2, long croissance = 2000, int tailleMoyenne = 92)
+      : TTableTV(initial, croissance, tailleMoyenne) {}
+
+  // Les personnes lues pour les critères et les vérifications ; nul : aucune n'est lue (les
+  // critères de conjoint, de parents et les exclusions par lignée ne répondent plus).
+  TFicPersons* Personnes = nullptr;
+
+  // --- Recherche ---
+  // Les personnes qui répondent, dans l'ordre de la table (celui de leur première ligne
+  // trouvée), chacune une fois : `noms` reçoit "NOM Prénoms", `numeros` les numéros.
+  // Rend le nombre de personnes trouvées par cet appel.
+  long RechercheSimple(const TRechSimple& rs, std::vector<std::string>* noms, std::vector<long>* numeros,
+                       TProgression* progression = nullptr);
+  // Un couple (nom, prénom) déjà mis en forme d'index ; les personnes trouvées vont dans
+  // `trouves` avec le rang de leur première ligne (le plus petit gardé).
+  void RechercheSimpleNomEtConj(const TRechSimple& rs, std::map<long, long>& trouves, const std::string& nom,
+                                const std::string& prenom);
+  // Arrête une recherche en cours (appelable d'un autre fil) ; elle rend ce qu'elle a trouvé.
+  void SetAbandon(bool abandon) { Abandon.store(abandon, std::memory_order_relaxed); }
+  bool GetAbandon() const { return Abandon.load(std::memory_order_relaxed); }
+
+  // Tests sur une personne : nom et prénoms tels que la fiche les porte, comparés à des
+  // critères mis en forme d'index (chaque élément : particules ôtées, capitales nues).
+  static bool CompareNom(const std::string& noms, const std::string& critere, bool soundex);
+  static bool ComparePrenoms(const std::string& prenoms, const std::string& critere, bool soundex);
+  static bool CompareNomPrenoms(const TPerson& p, const std::string& nom, const std::string& prenom,
+                                bool soundexNom, bool soundexPrenom);
+  // Vrai si un des prénoms (tels que tapés) répond au critère (tel que tapé).
+  static bool IsPrenomsCorrespond(const std::string& prenoms, const std::string& critere);
+
+  bool IsExclu(long no, const TRechSimple* rs);
+  // Remonte les parents que `rs` désigne jusqu'à sa profondeur : vrai si l'un est exclu.
+  bool IsExcluParentsRecursif(int profondeur, long no, const TRechSimple* rs);
+
+  static std::string FormatIndex(const std::string& nom);
+
+  // --- Listes de valeurs (tirées de la table, triées, sans doublon) ---
+  // Les noms qui commencent par `debut` (mis en forme d'index ; vide : tous).
+  void RetournePatronyme(std::vector<std::string>& liste, const std::string& debut = "") const;
+  // Les prénoms portés avec ce nom (mis en forme d'index).
+  void RetournePrenoms(const std::string& nom, std::vector<std::string>& liste) const;
+  // Tous les prénoms de l'index.
+  void RetourneToutPrenom(std::vector<std::string>& liste) const;
+  // Nom -> nombre de personnes qui le portent ; prénom -> nombre de personnes.
+  void RetourneListPatronyme(std::map<std::string, long>& compte) const;
+  void RetourneListPrenom(std::map<std::string, long>& compte) const;
+
+  // --- Lignes d'une personne ---
+  // Les rangs des lignes de la personne (parcours de toute la table).
+  void ChercheClefPersNo(long no, std::vector<long>& rangs) const;
+  // Ôte de la table toutes les lignes de la personne ; rend leur nombre.
+  long SupprimeClefPersNo(long no);
+
+  // Premier rang dont le nom est >= `nom` (bissection sur le seul nom).
+  long PremierRangNom(const std::string& nom) const;
+
+ private:
+  bool PersonneValide(long no);
+  bool CritereLigne(const TRechSimple& rs, const TEnregIndex& e) const;
+  bool CriterePersonne(const TRechSimple& rs, long no);
+  std::atomic<bool> Abandon{false};
+};
+
+}  // namespace rqbase

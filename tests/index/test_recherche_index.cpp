@@ -1,0 +1,269 @@
+// Recherche dans l'index des noms : masques, texte plié, particules, plusieurs noms et prénoms,
+// soundex, valeurs spéciales, sexe, période, conjoints, parents, exclusions, abandon, listes.
+#include "rqbase/index/recherche_index.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "dossier_essai.h"
+#include "rqbase/dossier/gest_fic.h"
+#include "rqbase/index/index_personnes.h"
+#include "rqbase/person/gest_pers.h"
+#include "rqbase/storage/gest_fic_pers.h"
+
+namespace rqbase {
+namespace {
+
+TEST(StrCmpMasque, MorceauxDansLOrdre) {
+  EXPECT_EQ(StrCmpMasque("DUPONT", "DUPONT"), 0);
+  EXPECT_NE(StrCmpMasque("DUPONT", "DUPON"), 0);
+  EXPECT_EQ(StrCmpMasque("DUPONT", "DUP*"), 0);
+  EXPECT_EQ(StrCmpMasque("DUPONT", "*ONT"), 0);
+  EXPECT_EQ(StrCmpMasque("DUPONT", "*PON*"), 0);
+  EXPECT_EQ(StrCmpMasque("DUPONT", "D*P*T"), 0);
+  EXPECT_NE(StrCmpMasque("DUPONT", "D*T*P"), 0);  // dans l'ordre seulement
+  EXPECT_NE(StrCmpMasque("DUPONT", "*DUP"), 0);   // le dernier morceau finit le texte
+  EXPECT_NE(StrCmpMasque("ADUPONT", "DUP*"), 0);  // le premier le commence
+  EXPECT_NE(StrCmpMasque("ABA", "ABA*ABA"), 0);   // sans chevauchement
+  EXPECT_EQ(StrCmpMasque("ABABA", "ABA*BA"), 0);
+  EXPECT_EQ(StrCmpMasque("", "*"), 0);
+  EXPECT_EQ(StrCmpMasque("X", "***"), 0);
+  EXPECT_EQ(StrCmpMasque("", ""), 0);
+  EXPECT_NE(StrCmpMasque("", "A*"), 0);
+  EXPECT_EQ(StrCmpMasque(nullptr, "*"), 0);
+}
+
+// Des personnes enregistrées dans un dossier, indexées, puis cherchées.
+class RechercheTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    Gest = std::make_unique<TGestFichier>(Temp.Prs(), true);
+    ASSERT_FALSE(Gest->EnErreur());
+    Index = std::make_unique<TFicIndexPerson>(Gest.get(), false);
+    Fic = Gest->FicPersons();
+  }
+  long Ajoute(const std::string& nom, const std::string& prenoms, char sexe = 'M', long pere = 0, long mere = 0) {
+    TPerson p(Fic);
+    p.NouvelleFiche(-3);
+    p.SetNom(nom);
+    p.SetPrenoms(prenoms);
+    p.SetSexe(sexe);
+    p.Enreg.Pere = TLienPers(pere);
+    p.Enreg.Mere = TLienPers(mere);
+    p.Enregistrement();
+    Index->ModifClef(&p, true);
+    return p.No();
+  }
+  void Marie(long a, long b) {
+    TPerson pa(Fic, a), pb(Fic, b);
+    pa.AjouteConj(b);
+    pb.AjouteConj(a);
+    pa.Enregistrement();
+    pb.Enregistrement();
+  }
+  std::vector<long> Cherche(const TGestEltIndex::TRechSimple& rs) {
+    std::vector<long> r;
+    Index->Table().RechercheSimple(rs, nullptr, &r);
+    return r;
+  }
+  std::vector<long> Nom(const std::string& nom, const std::string& prenoms = "", bool soundex = false) {
+    TGestEltIndex::TRechSimple rs;
+    rs.Nom = nom;
+    rs.Prenoms = prenoms;
+    rs.SoundexNom = soundex;
+    return Cherche(rs);
+  }
+  essai::TDossierTemp Temp;
+  std::unique_ptr<TGestFichier> Gest;
+  std::unique_ptr<TFicIndexPerson> Index;
+  TFicPersons* Fic = nullptr;
+};
+
+TEST_F(RechercheTest, TextePlieParticulesNomsMultiplesEtMasques) {
+  const long tour = Ajoute("de la Tour", "Jean");
+  const long dupont = Ajoute("Dupont;Durand", "Jean Paul");
+  const long dupuis = Ajoute("Dupuis", "Éloïse", 'F');
+  const long sansNom = Ajoute("", "Marie", 'F');
+  const long sansPrenom = Ajoute("Roy", "");
+
+  // Accents, casse et particules du critère ne changent rien.
+  EXPECT_EQ(Nom("de la Tour"), std::vector<long>{tour});
+  EXPECT_EQ(Nom("TOUR"), std::vector<long>{tour});
+  EXPECT_EQ(Nom("tôur"), std::vector<long>{tour});
+  // Deux noms, trouvé par les deux : une seule fois.
+  EXPECT_EQ(Nom("Dupont;Durand"), std::vector<long>{dupont});
+  EXPECT_EQ(Nom("Durand"), std::vector<long>{dupont});
+  // Plusieurs prénoms : chaque couple compte, dans l'ordre de la table.
+  EXPECT_EQ(Nom("", "Paul Jean"), (std::vector<long>{dupont, tour}));
+  EXPECT_EQ(Nom("Dupont", "eloise paul"), std::vector<long>{dupont});
+  EXPECT_EQ(Nom("", "eloise"), std::vector<long>{dupuis});
+  // Masques.
+  EXPECT_EQ(Nom("DUP*"), (std::vector<long>{dupont, dupuis}));
+  EXPECT_EQ(Nom("*UIS"), std::vector<long>{dupuis});
+  EXPECT_EQ(Nom("D*R*"), std::vector<long>{dupont});
+  EXPECT_EQ(Nom("*").size(), 5u);  // tout le monde
+  EXPECT_EQ(Nom("***").size(), 5u);
+  EXPECT_TRUE(Nom("DUPONTS").empty());
+  // Valeurs spéciales.
+  EXPECT_EQ(Nom("ZPASZDEZNOM", "Marie"), std::vector<long>{sansNom});
+  EXPECT_EQ(Nom("Roy", "ZPASZDEZPRENOM"), std::vector<long>{sansPrenom});
+  // Soundex : DUPOND (D153) rattrape DUPONT, pas sans soundex.
+  EXPECT_TRUE(Nom("Dupond").empty());
+  EXPECT_EQ(Nom("Dupond", "", true), std::vector<long>{dupont});
+  TGestEltIndex::TRechSimple rs;
+  rs.Prenoms = "Pol";
+  rs.SoundexPrenom = true;
+  EXPECT_EQ(Cherche(rs), std::vector<long>{dupont});
+  // Limite, et les noms rendus avec les numéros.
+  rs.RazTotal();
+  rs.Nom = "DUP*";
+  rs.Limite = 1;
+  std::vector<std::string> noms;
+  std::vector<long> numeros;
+  EXPECT_EQ(Index->Table().RechercheSimple(rs, &noms, &numeros), 1);
+  EXPECT_EQ(noms, std::vector<std::string>{"Dupont;Durand Jean Paul"});
+}
+
+TEST_F(RechercheTest, SexeTypePeriodeEtPersonnesSupprimees) {
+  Index->Fourchette = [](TPerson& p, float& mn, float& mx) {
+    if (p.Enreg.Prenoms[0] == 'A') return false;
+    mn = p.Enreg.Prenoms[0] == 'B' ? 1800 : 1900;
+    mx = mn + 50;
+    return true;
+  };
+  const long anne = Ajoute("Roy", "Anne", 'F');
+  const long bob = Ajoute("Roy", "Bob", 'M');
+  const long cid = Ajoute("Roy", "Cid", ' ');
+  TGestEltIndex::TRechSimple rs;
+  rs.Nom = "Roy";
+  rs.Sexe = 'F';
+  EXPECT_EQ(Cherche(rs), std::vector<long>{anne});
+  rs.Sexe = ' ';
+  EXPECT_EQ(Cherche(rs), std::vector<long>{cid});
+  rs.Sexe = '?';
+  rs.Hommes = true;
+  EXPECT_EQ(Cherche(rs), std::vector<long>{bob});
+  rs.Hommes = false;
+  rs.AvecPeriode = true;
+  rs.AnneeDebut = 1840;
+  rs.AnneeFin = 1860;
+  EXPECT_EQ(Cherche(rs), std::vector<long>{bob});  // Anne, sans années, ne se place nulle part
+  rs.AnneeDebut = 1700;
+  rs.AnneeFin = 2000;
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{bob, cid}));
+  rs.AvecPeriode = false;
+  rs.Personnes = false;  // ni personne ni témoin : 'P' ne répond plus
+  rs.Temoins = false;
+  EXPECT_TRUE(Cherche(rs).empty());
+  // Une personne supprimée sur le disque, dont la ligne serait restée : jamais listée.
+  TEnregPersonne e;
+  Fic->LitEnreg(bob, e);
+  e.Supprime = 'O';
+  Fic->EcritEnreg(bob, e);
+  rs.RazTotal();
+  rs.Nom = "Roy";
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{anne, cid}));
+}
+
+TEST_F(RechercheTest, ConjointsParentsEtExclusions) {
+  const long pere = Ajoute("Martin", "Louis");
+  const long mere = Ajoute("Durand", "Rose", 'F');
+  Marie(pere, mere);
+  const long fils = Ajoute("Martin", "Paul", 'M', pere, mere);
+  const long petit = Ajoute("Martin", "Jules", 'M', fils, 0);
+  const long autre = Ajoute("Martin", "Henri");
+
+  TGestEltIndex::TRechSimple rs;
+  rs.Nom = "Martin";
+  rs.NomConjoint = "Durand";
+  EXPECT_EQ(Cherche(rs), std::vector<long>{pere});
+  rs.NomConjoint = "Durant";
+  EXPECT_TRUE(Cherche(rs).empty());
+  rs.SoundexConjoint = true;
+  EXPECT_EQ(Cherche(rs), std::vector<long>{pere});
+  rs.RazTotal();
+  rs.Nom = "Martin";
+  rs.Parents = "ZPASZDEZPERE";
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{autre, pere}));  // ordre de la table : HENRI, LOUIS
+  rs.Parents = "ZPASZDEZMERE";
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{autre, petit, pere}));
+  rs.Parents.clear();
+
+  // Exclusions : des numéros ; les enfants d'un père ; une lignée remontée par les pères.
+  rs.Exclus = {autre};
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{petit, pere, fils}));
+  rs.RazExclu();
+  rs.ExcluPere = pere;
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{autre, petit, pere}));
+  rs.RazExclu();
+  rs.NoExclu = pere;
+  rs.ExcluParPere = true;
+  rs.Profondeur = 0;  // les parents seuls : Paul part avec son père, Jules reste
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{autre, petit}));
+  rs.Profondeur = 1;  // les grands-parents aussi : Jules part
+  EXPECT_EQ(Cherche(rs), std::vector<long>{autre});
+
+  // Un cycle de parents (fichier abîmé) : la remontée se termine.
+  TEnregPersonne e;
+  Fic->LitEnreg(pere, e);
+  e.Pere = TLienPers(petit);
+  Fic->EcritEnreg(pere, e);
+  rs.RazExclu();
+  rs.NoExclu = 999999;
+  rs.ExcluParPere = true;
+  rs.Profondeur = 1000;
+  EXPECT_EQ(Cherche(rs).size(), 4u);
+}
+
+TEST_F(RechercheTest, AbandonEtListesDeValeurs) {
+  for (const char* n : {"Zola", "Abel", "Abel", "Martin"}) Ajoute(n, "Jean Émile");
+  Ajoute("Abel", "Luc");
+  TGestEltIndex& t = Index->Table();
+  TGestEltIndex::TRechSimple rs;
+  rs.Nom = "*";
+  t.SetAbandon(true);
+  EXPECT_TRUE(Cherche(rs).empty());  // arrêtée avant la première ligne : rien
+  t.SetAbandon(false);
+  EXPECT_EQ(Cherche(rs).size(), 5u);
+
+  std::vector<std::string> liste;
+  t.RetournePatronyme(liste);
+  EXPECT_EQ(liste, (std::vector<std::string>{"ABEL", "MARTIN", "ZOLA"}));
+  t.RetournePatronyme(liste, "MA");
+  EXPECT_EQ(liste, std::vector<std::string>{"MARTIN"});
+  t.RetournePrenoms("ABEL", liste);
+  EXPECT_EQ(liste, (std::vector<std::string>{"EMILE", "JEAN", "LUC"}));
+  t.RetourneToutPrenom(liste);
+  EXPECT_EQ(liste, (std::vector<std::string>{"EMILE", "JEAN", "LUC"}));
+  std::map<std::string, long> compte;
+  t.RetourneListPatronyme(compte);
+  EXPECT_EQ(compte, (std::map<std::string, long>{{"ABEL", 3}, {"MARTIN", 1}, {"ZOLA", 1}}));
+  t.RetourneListPrenom(compte);
+  EXPECT_EQ(compte, (std::map<std::string, long>{{"EMILE", 4}, {"JEAN", 4}, {"LUC", 1}}));
+  std::vector<long> rangs;
+  t.ChercheClefPersNo(3, rangs);
+  EXPECT_EQ(rangs.size(), 2u);
+
+  // Une table vide ne trouve rien et vide la liste.
+  TGestEltIndex vide;
+  std::vector<long> r{42};
+  EXPECT_EQ(vide.RechercheSimple(rs, nullptr, &r), 0);
+  EXPECT_TRUE(r.empty());
+}
+
+TEST(CompareNomPrenoms, ElementsDeLaFicheContreLeCritere) {
+  EXPECT_TRUE(TGestEltIndex::CompareNom("de la Tour;Dupont", "TOUR", false));
+  EXPECT_TRUE(TGestEltIndex::CompareNom("de la Tour;Dupont", "DUP*", false));
+  EXPECT_FALSE(TGestEltIndex::CompareNom("Dupont", "DUPOND", false));
+  EXPECT_TRUE(TGestEltIndex::CompareNom("Dupont", "DUPOND", true));
+  EXPECT_TRUE(TGestEltIndex::CompareNom("", "ZPASZDEZNOMZ", false));
+  EXPECT_TRUE(TGestEltIndex::CompareNom("  ", "ZPASZDEZNOM", false));
+  EXPECT_FALSE(TGestEltIndex::CompareNom("Roy", "ZPASZDEZNOM", false));
+  EXPECT_TRUE(TGestEltIndex::ComparePrenoms("Jean Éloïse", "ELOISE", false));
+  EXPECT_TRUE(TGestEltIndex::IsPrenomsCorrespond("Jean Paul", "paul"));
+  EXPECT_FALSE(TGestEltIndex::IsPrenomsCorrespond("Jean Paul", "Pierre"));
+}
+
+}  // namespace
+}  // namespace rqbase
