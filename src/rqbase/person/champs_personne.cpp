@@ -566,6 +566,13 @@ void Restitue(TPerson& p, TV& liste, int32_t* liens, const TEnregT& rec, int pos
   if (liste.Find(rec.No) >= 0) return;
   TElt elt;
   elt.Enreg = rec;
+  // Ôté, l'enregistrement a été détaché de la personne (numéro remis à 0) : il la nomme de nouveau.
+  if (elt.Enreg.NoPersA != p.No() && elt.Enreg.NoPersB != p.No()) {
+    if (elt.Enreg.NoPersA == 0)
+      elt.Enreg.NoPersA = p.No();
+    else
+      elt.Enreg.NoPersB = p.No();
+  }
   elt.RgUnion = p.RetourneRgConj(rec.NoConjoint(p.No()));
   liste.Insere(pos < 0 || pos > liste.GetNbElt() ? liste.GetNbElt() : pos, elt);
   AjouteNoTableLong(liens, rec.No);
