@@ -42,6 +42,7 @@ class IndexTest : public testing::Test {
     Gest = std::make_unique<TGestFichier>(Temp.Prs(), true);
     ASSERT_FALSE(Gest->EnErreur());
     Index = std::make_unique<TFicIndexPerson>(Gest.get(), false);
+    Index->Table();  // chargée d'avance : chaque modification passe aussi par la mémoire
   }
   void TearDown() override {
     Index.reset();
@@ -176,6 +177,19 @@ TEST_F(IndexTest, IdentifiantsReprisEtMemoireEgaleALaTable) {
   Index->ModifClef(&s, true);
   EXPECT_TRUE(Table(b).empty());
   EXPECT_EQ(Memoire(), (std::vector<std::string>{"ZOLA/JEAN/2", "ZOLA/PIERRE/2"}));
+}
+
+TEST_F(IndexTest, SansMemoireChargeeSeuleLaTableChangeEtLeFichierPart) {
+  Ajoute("Dupont", "Jean");
+  Ferme();
+  ASSERT_TRUE(std::filesystem::exists(Prx()));
+  Rouvre();  // mémoire pas encore chargée
+  const long b = Ajoute("Martin", "Luc");
+  EXPECT_FALSE(Index->TableChargee());
+  EXPECT_FALSE(std::filesystem::exists(Prx()));  // il ne dit plus la vérité : effacé
+  EXPECT_EQ(Table(b).size(), 1u);
+  EXPECT_EQ(Memoire(), (std::vector<std::string>{"DUPONT/JEAN/2", "MARTIN/LUC/3"}));
+  EXPECT_FALSE(Index->ChargeeDuFichier());
 }
 
 TEST_F(IndexTest, AnneesRangeesCommeDuTexte) {

@@ -528,7 +528,10 @@ void TFicIndexPerson::ModifClef(TPerson* p, bool inutilise) {
     return;
   }
   if (!PeutEcrire()) return;
-  TGestEltIndex& table = Table();
+  // La mémoire n'est pas chargée pour une écriture : si elle ne l'est pas encore, seule la
+  // table change (le fichier, effacé, ne la contredit plus) et la mémoire se fera depuis elle
+  // au premier usage. Une commande qui ajoute une personne ne lit ni n'écrit le fichier.
+  TGestEltIndex* table = Memoire.get();
   TModuleBDD& bdd = *Contexte->ModuleBDD();
 
   TIndexPerson modele(this);
@@ -602,24 +605,25 @@ void TFicIndexPerson::ModifClef(TPerson* p, bool inutilise) {
   Session.IdMax = idMax;
   TEltIndex travail;
   for (const TOp& op : ops) {
+    if (!table) break;
     const TEltIndex nouveau(op.Nouveau, op.ID);
-    const long rang = op.Genre == TGenre::Ajoute ? -1 : table.RechercheDicoth(TEltIndex(op.Ancien, op.ID), travail);
+    const long rang = op.Genre == TGenre::Ajoute ? -1 : table->RechercheDicoth(TEltIndex(op.Ancien, op.ID), travail);
     switch (op.Genre) {
-      case TGenre::Ajoute: table.AjouteClasse(nouveau, travail); break;
+      case TGenre::Ajoute: table->AjouteClasse(nouveau, travail); break;
       case TGenre::Reclasse:
         if (rang < 0)
-          table.AjouteClasse(nouveau, travail);
+          table->AjouteClasse(nouveau, travail);
         else
-          table.ChangeClasse(rang, nouveau, travail);
+          table->ChangeClasse(rang, nouveau, travail);
         break;
       case TGenre::Change:
         if (rang < 0)
-          table.AjouteClasse(nouveau, travail);
+          table->AjouteClasse(nouveau, travail);
         else
-          table.Change(rang, nouveau, travail);
+          table->Change(rang, nouveau, travail);
         break;
       case TGenre::Ote:
-        if (rang >= 0) table.Supprime(rang, travail);
+        if (rang >= 0) table->Supprime(rang, travail);
         break;
     }
   }
@@ -629,7 +633,6 @@ void TFicIndexPerson::ModifClef(TPerson* p, bool inutilise) {
 
 void TFicIndexPerson::SupprimeClef(TPerson* p, bool table) {
   if (!p || p->No() <= 0 || !PeutEcrire()) return;
-  TGestEltIndex& memoire = Table();
   MarqueModifiee();
   if (table) {
     TModuleBDD& bdd = *Contexte->ModuleBDD();
@@ -640,7 +643,7 @@ void TFicIndexPerson::SupprimeClef(TPerson* p, bool table) {
     });
     Session.Lignes -= otees;
   }
-  memoire.SupprimeClefPersNo(p->No());
+  if (Memoire) Memoire->SupprimeClefPersNo(p->No());
   std::fill(std::begin(p->Enreg.Index), std::end(p->Enreg.Index), 0);
 }
 
@@ -691,7 +694,9 @@ bool TFicIndexPerson::ReinitTableIndex(TProgression* progression) {
     prog.Position(dernier);
     bloc.Valide();
   }
-  ReinitTableIndexBis(progression);
+  // Une mémoire déjà chargée est refaite tout de suite ; sinon elle se fera de la table neuve
+  // au premier usage (le fichier, lui, est déjà effacé).
+  if (Memoire) ReinitTableIndexBis(progression);
   return true;
 }
 

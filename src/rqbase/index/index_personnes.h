@@ -14,8 +14,9 @@
 //   sinon la mémoire est refaite depuis la table. Le fichier est effacé avant la première
 //   modification d'une session d'écriture et réécrit d'un coup à la fermeture : un
 //   programme arrêté net ne laisse jamais un fichier en retard sur la table.
-// - La mémoire n'est chargée qu'au premier usage (recherche, modification) : ouvrir un
-//   dossier sans chercher ne lit pas le fichier.
+// - La mémoire n'est chargée qu'au premier usage (Table(), donc toute recherche) : ouvrir un
+//   dossier sans chercher ne lit pas le fichier. Une modification faite avant ce premier
+//   usage ne touche que la table (et efface le fichier) : la mémoire se fera depuis la table.
 // - Un dossier en lecture seule n'est jamais modifié : ni la table, ni le fichier.
 #pragma once
 #include <functional>
