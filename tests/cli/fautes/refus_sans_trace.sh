@@ -46,6 +46,27 @@ refuse 1 "Le titre contient un caractère de contrôle" creer Neuf --titre $'a\t
 refuse 1 "existe déjà" --non creer Famille
 refuse 1 "existe déjà" creer Famille.rq2 --premiere-personne
 
+note "liens et faits refusés"
+doit 0 ajouter-personne Famille --nom Garnier --prenoms Marie --sexe F
+doit 0 ajouter-personne Famille --nom Lefèvre --prenoms Paul --sexe M
+doit 0 lier Famille --pere 2 --mere 3 --enfant 4
+refuse 1 "Une personne ne peut pas être son propre parent." lier Famille --pere 2 --enfant 2
+refuse 1 "ce lien ferait une boucle dans l'arbre" lier Famille --pere 4 --enfant 2
+refuse 1 "La personne 99 n'existe pas dans ce dossier." lier Famille --pere 99 --enfant 4
+refuse 1 "a déjà un père (2)" lier Famille --pere 1 --enfant 4
+refuse 1 "est de sexe F" lier Famille --pere 3 --enfant 1
+refuse 1 "sont les parents de 4" delier Famille --conjoint 2 3
+refuse 1 "Donnez soit --pere" lier Famille
+refuse 2 "nombre d'arguments incorrect" lier Famille --conjoint 2 3 4
+refuse 1 "n'est pas dans le catalogue" evenement ajouter Famille 4 NAISSANCEX
+refuse 1 "n'est pas un événement dans ce dossier" evenement ajouter Famille 4 TITRE
+refuse 1 "n'est pas un champ simple dans ce dossier" champ ajouter Famille 4 NAISSANCE valeur
+refuse 1 "Date refusée" evenement ajouter Famille 4 NAISSANCE --date "32/13/1850"
+refuse 1 "n'est pas un conjoint de 4" evenement ajouter Famille 4 UNION --conjoint 3
+refuse 1 "n'a pas d'événement au rang 1" evenement supprimer Famille 4 1
+refuse 1 "n'est pas supprimée" restaurer-personne Famille 4
+refuse 1 "La valeur dépasse 100 caractères" champ ajouter Famille 4 TITRE "$(printf 'x%.0s' {1..101})"
+
 note "copie, renommage et suppression refusés"
 refuse 1 "Copie.rq2\" existe déjà : rien n'a changé." renommer Famille Copie
 refuse 1 "Nouveau nom invalide" renommer Famille ../Famille
@@ -119,6 +140,6 @@ note "ce que l'utilisateur a posé est intact"
 [ "$(cat autre/notes.txt)" = "à garder" ] || echoue "autre/notes.txt a changé"
 [ "$(cat X.prs)" = "un fichier nu" ] || echoue "X.prs a changé"
 lance personnes Famille
-[ "$(sortie)" = $'1\t?\tX\t\n2\tM\tLefèvre\tJean Baptiste' ] || echoue "les personnes de Famille ont changé : $(sortie)"
+[ "$(sortie)" = $'1\t?\tX\t\n2\tM\tLefèvre\tJean Baptiste\n3\tF\tGarnier\tMarie\n4\tM\tLefèvre\tPaul' ] || echoue "les personnes de Famille ont changé : $(sortie)"
 
 conclut
