@@ -40,3 +40,26 @@ etape "Une date républicaine vers le grégorien" date convertir "12 Ventôse 10
 etape "Tout ce qu'on sait d'une date" --json date info "14/07/1789"
 etape "Écart entre deux dates" date ecart "14/07/1789" "21/01/1793"
 etape "Pâques 1802" date paques 1802
+
+printf '\n== Trois générations, liées par les commandes de la famille\n'
+"$rqbase" ajouter-personne Famille --nom Lefèvre --prenoms Pierre --sexe M >/dev/null       # 5
+"$rqbase" ajouter-personne Famille --nom Roux --prenoms Anne --sexe F >/dev/null           # 6
+"$rqbase" ajouter-personne Famille --nom Lefèvre --prenoms "Henri Auguste" --sexe M >/dev/null  # 7
+etape "Les grands-parents, unis" lier Famille --conjoint 5 6 --union
+etape "Jean Baptiste, leur fils" lier Famille --pere 5 --mere 6 --enfant 2
+"$rqbase" lier Famille --conjoint 2 3 >/dev/null
+"$rqbase" lier Famille --pere 2 --mere 3 --enfant 4 >/dev/null
+etape "Les enfants de Jean Baptiste et Marie Louise" lier Famille --pere 2 --mere 3 --enfant 7
+"$rqbase" evenement ajouter Famille 5 NAISSANCE --date "2 février 1790" --lieu Amiens --code 80 --region Picardie --pays France >/dev/null
+"$rqbase" evenement ajouter Famille 2 NAISSANCE --date "14 juin 1821" --lieu Amiens --code 80 --region Picardie --pays France >/dev/null
+"$rqbase" evenement ajouter Famille 2 UNION --date "8 mai 1845" --conjoint 3 --lieu "Saint-Étienne" --code 42 --pays France >/dev/null
+"$rqbase" evenement ajouter Famille 4 NAISSANCE --date "3 mars 1850" >/dev/null
+etape "La naissance d'Henri, à sa place" --json evenement ajouter Famille 7 NAISSANCE --date "1848"
+etape "Les professions de Jean Baptiste" professions Famille 2 "tisserand,aubergiste"
+etape "Les enfants rangés par date de naissance" classer Famille 2
+etape "Jean Baptiste et ses faits" personne Famille 2
+etape "Les liens du dossier sont symétriques" --json verifier-liens Famille
+etape "Un lien qui ferait une boucle est refusé" lier Famille --pere 7 --enfant 5 || echo "(code de sortie $?)"
+etape "Suppression d'Élise (restaurable)" supprimer-personne Famille 4
+etape "Restauration d'Élise, ses liens retrouvés" restaurer-personne Famille 4
+etape "Marie Louise après la restauration" personne Famille 3
