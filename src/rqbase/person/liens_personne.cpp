@@ -329,14 +329,22 @@ void TPerson::RestaurationData() {
 
 namespace {
 
-// Les enfants communs avec `s` prennent ici l'ordre qu'ils ont chez lui.
+// Les enfants communs avec `s` prennent ici l'ordre qu'ils ont chez lui. Le rang de chaque
+// enfant chez `s` est cherché une fois et suit l'enfant dans les échanges.
 void ClassementEnfantIdentiqueConjoint(TPerson& p, const TPerson& s, int nbEnfants) {
-  for (int i = 0; i < nbEnfants; ++i)
-    for (int j = i + 1; j < nbEnfants; ++j) {
-      const int ri = s.RetourneRgEnf(p.Enreg.Enfants[i].No);
-      const int rj = s.RetourneRgEnf(p.Enreg.Enfants[j].No);
-      if (ri != 0 && rj != 0 && rj < ri) std::swap(p.Enreg.Enfants[i], p.Enreg.Enfants[j]);
-    }
+  std::vector<int> rangs(static_cast<size_t>(nbEnfants));
+  bool commun = false;
+  for (int i = 0; i < nbEnfants; ++i) {
+    rangs[static_cast<size_t>(i)] = s.RetourneRgEnf(p.Enreg.Enfants[i].No);
+    commun = commun || rangs[static_cast<size_t>(i)] != 0;
+  }
+  if (!commun) return;
+  for (size_t i = 0; i < rangs.size(); ++i)
+    for (size_t j = i + 1; j < rangs.size(); ++j)
+      if (rangs[i] != 0 && rangs[j] != 0 && rangs[j] < rangs[i]) {
+        std::swap(p.Enreg.Enfants[i], p.Enreg.Enfants[j]);
+        std::swap(rangs[i], rangs[j]);
+      }
 }
 
 // Tri par échanges sur les clés : seules deux clés datées s'échangent, les places sans
