@@ -469,6 +469,56 @@ TEST_F(LiensTest, FantomesAuBoutDuFichier) {
   EXPECT_EQ(relu.FicPersons()->NbPersEffective(), nb + 3);
 }
 
+TEST_F(LiensTest, DossierEnLectureSeuleRienNeChangeSurLeDisque) {
+  const long pere = Ajoute("PERE", 'M'), mere = Ajoute("MERE", 'F'), fils = Ajoute("FILS", 'M');
+  Enfant(fils, pere, mere);
+  Evenement(pere, "UNION", "01/01/1900", mere);
+  Gest.reset();
+  const auto avant = essai::Instantane(Temp.Dossier());
+  {
+    TGestFichier lecture(Temp.Prs(), false, false, false, false, 0, mcFormulaire, true);
+    ASSERT_TRUE(lecture.IsReadOnly());
+    TFicPersons* fic = lecture.FicPersons();
+    TPerson(fic, fils).SupprimeLienParent(true);
+    TPerson(fic, pere).EnregClassementEnfConj(true);
+    TPerson(fic, pere).VerifLienSysmetrique();
+    TPerson(fic, pere).AddPersGhost(2);
+    TPerson(fic, pere).RetourneIdPers(true);
+    TPerson(fic, mere).Suppression(true);
+    TPerson(fic, mere).RestaurationData();
+  }
+  EXPECT_TRUE(essai::Instantane(Temp.Dossier()) == avant) << "le dossier a changé";
+}
+
+TEST_F(LiensTest, LiensAbimesNeFontPasTomber) {
+  const long moi = Ajoute("MOI", 'F'), fils = Ajoute("FILS", 'M');
+  Enfant(fils, 0, moi);
+  const long nb = Fic->NbPersEffective();
+  {
+    TPerson p = Disque(moi);
+    p.SetVectorEnfants({nb + 5, -3, fils, moi});
+    p.Enreg.Conjoints[0] = TLienConj(nb + 2);
+    p.Enreg.Conjoints[1] = TLienConj(-8);
+    p.Enregistrement();
+  }
+  TPerson a = Disque(moi);
+  a.EnregClassementEnfConj(true);
+  EXPECT_FALSE(a.IsCouplesHomosexuel());
+  EXPECT_TRUE(a.VerifLienSysmetrique());  // le lien vers soi
+  bool tous[2 + 2 + 4] = {true, true, true, true, true, true, true, true};
+  TPerson b = Disque(moi);
+  b.SupprimeLien(tous);
+  // Le vrai fils a perdu sa mère ; ce qui pointait hors du fichier est resté, laissé à
+  // VerifLienHorsFichier.
+  EXPECT_EQ(long{Disque(fils).Enreg.Mere.No}, 0);
+  TPerson c = Disque(moi);
+  EXPECT_EQ(c.RetourneRgEnf(fils), 0);
+  EXPECT_TRUE(c.VerifLienHorsFichier());
+  EXPECT_TRUE(c.AucunLien());
+  c.Suppression(false);
+  EXPECT_TRUE(Disque(moi).FicheSupprimee());
+}
+
 // ===== Suite tirée au hasard =====
 
 // Les règles du graphe sur chaque fiche relue du disque ; rend le premier écart, vide sinon.
