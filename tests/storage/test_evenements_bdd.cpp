@@ -444,5 +444,74 @@ TEST_F(EvenementsBddTest, UneRequeteQuiEchoueDonneLeMessageFrancaisEtGardeLeVali
   EXPECT_EQ(lu.Enreg.Libelle, "NAISSANCE");
 }
 
+// Les deux sortes de lignes ensemble, un champ du catalogue porté sur ses lignes, et les
+// requêtes des écrans sur les champs FAVORIS et DDMF.
+TEST_F(EvenementsBddTest, ParcoursDesDonneesEtChampsParLibelle) {
+  auto champ = [&](long no, const char* libelle, const char* donnee) {
+    TChpsSimple c(Bdd.get());
+    c.Enreg.SetLibelle(libelle);
+    c.Enreg.SetDonnee(donnee);
+    c.Enreg.NoPersA = no;
+    Bdd->EnregistrementChpsSimple(&c);
+    return c.Enreg.No;
+  };
+  TEvenement n5 = Naissance(5);
+  Bdd->EnregistrementEven(&n5);
+  const long prof = champ(5, "PROFESSION", "Meunier");
+  const long res = champ(6, "RESIDENCE", "Rue Haute");
+  TEvenement n6 = Naissance(6);
+  Bdd->EnregistrementEven(&n6);
+
+  // Dans l'ordre des numéros, chaque ligne dans l'objet de sa sorte.
+  TEvenement ev;
+  TChpsSimple c;
+  std::vector<std::pair<long, long>> vus;  // (numéro d'événement, numéro de champ)
+  Bdd->BeginParcoursDonnees();
+  while (Bdd->GetDataParcours(&ev, &c)) vus.emplace_back(ev.Enreg.No, c.Enreg.No);
+  Bdd->EndParcoursDonnees();
+  EXPECT_EQ(vus, (std::vector<std::pair<long, long>>{{n5.No(), 0}, {0, prof}, {0, res}, {n6.No(), 0}}));
+  EXPECT_FALSE(Bdd->GetDataParcours(&ev, &c));  // fermé
+  // Filtré par personne, sans objet pour les champs : ils sont passés.
+  vus.clear();
+  Bdd->BeginParcoursDonnees("", 6);
+  while (Bdd->GetDataParcours(&ev, nullptr)) vus.emplace_back(ev.Enreg.No, 0);
+  EXPECT_EQ(vus, (std::vector<std::pair<long, long>>{{n6.No(), 0}}));
+
+  // La résidence devient un événement ; une seconde fois, rien ne change.
+  EXPECT_EQ(Bdd->UpdateResidence(), 1);
+  EXPECT_EQ(Bdd->UpdateResidence(), 0);
+  EXPECT_TRUE(Bdd->NoEvenExists(res));
+  // Renommer et changer de sorte : seules les lignes du libellé, comptées si elles changent.
+  EXPECT_EQ(Bdd->ModifChampsAvecLeLibelle("PROFESSION", "METIER", -1), 1);
+  EXPECT_EQ(Bdd->ModifChampsAvecLeLibelle("METIER", "", 1), 0);  // déjà champ simple
+  EXPECT_EQ(Bdd->ModifChampsAvecLeLibelle("METIER", "", 0), 1);
+  EXPECT_EQ(Bdd->ModifChampsAvecLeLibelle("NAISSANCE", "NAISSANCE", 0), 0);
+  EXPECT_EQ(TexteBrut("SELECT LibelleChamps FROM Evenements WHERE ID = " + std::to_string(prof)), "METIER");
+  EXPECT_TRUE(Bdd->NoEvenExists(prof));
+  EXPECT_EQ(Compte("SELECT COUNT(*) FROM Evenements WHERE LibelleChamps = 'NAISSANCE'"), 2);
+
+  // Favoris : un texte vide ou "0" ne compte pas ; une personne cachée non plus.
+  champ(9, "FAVORIS", "1");
+  champ(3, "FAVORIS", "Oui");
+  champ(4, "FAVORIS", "0");
+  champ(8, "FAVORIS", "");
+  champ(-2, "FAVORIS", "1");
+  std::vector<long> favoris;
+  Bdd->GetPersonFavorite(favoris);
+  EXPECT_EQ(favoris, (std::vector<long>{3, 9}));
+  // Dates de dernière modification : la plus récente d'abord, à égalité par numéro.
+  champ(12, "DDMF", "05/01/1999 10:00:00");
+  champ(11, "DDMF", "31/12/1998 23:59:59");
+  champ(10, "DDMF", "05/01/1999 10:00:00");
+  champ(13, "DDMF", "01/02/2003 08:00:00");
+  std::vector<std::pair<long, std::string>> ddmf;
+  Bdd->ChargerPersDDMF(ddmf);
+  ASSERT_EQ(ddmf.size(), 4u);
+  EXPECT_EQ(ddmf[0], (std::pair<long, std::string>{13, "01/02/2003 08:00:00"}));
+  EXPECT_EQ(ddmf[1].first, 10);
+  EXPECT_EQ(ddmf[2].first, 12);
+  EXPECT_EQ(ddmf[3].first, 11);
+}
+
 }  // namespace
 }  // namespace rqbase

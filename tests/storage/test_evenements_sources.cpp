@@ -327,5 +327,77 @@ TEST_F(SourcesBddTest, IllustrationsNonUtiliseesListeesPuisEffacees) {
   EXPECT_FALSE(fs::exists(dossier / "Images" / "retouche.iev"));
 }
 
+// Ajout d'une ligne neuve, écriture d'une seule personne citée, chemin d'un dossier exporté.
+TEST_F(SourcesBddTest, AjoutDeLigneEtPersonneCiteeSeule) {
+  const long a = Source(Ev.No(), "Acte");
+  // Ajouter une source déjà numérotée en fait une copie au bout de la liste.
+  TSource copie(Bdd.get(), a);
+  const long b = Bdd->AjouterEltTableSource(&copie);
+  EXPECT_NE(b, a);
+  EXPECT_EQ(Sources(Ev.No()), (std::vector<long>{a, b}));
+  EXPECT_EQ(TSource(Bdd.get(), b).Enreg.Descriptif, "registre de Acte");
+  // Une illustration : la même chose, et l'enregistrement inchangé n'écrit rien.
+  TIllustration il(Bdd.get());
+  il.NoEven = Ev.No();
+  il.SetChemin("Images/acte.jpg");
+  const long i1 = Bdd->AjouterEltTableIllustration(&il);
+  const long avant = Bdd->LignesEcrites;
+  EXPECT_FALSE(Bdd->EnregistrementIllustration(&il));
+  EXPECT_EQ(Bdd->LignesEcrites, avant);
+  EXPECT_EQ(Bdd->GetNbIllustration(Ev.No()), 1);
+  EXPECT_EQ(Bdd->GetIDIllustrationMax(), i1);
+  // En import, un numéro réservé reste celui de la ligne ajoutée.
+  Bdd->BeginImport();
+  TSource reservee(Bdd.get());
+  reservee.No = Bdd->ReturnNewNumSource();
+  reservee.NoEven = Ev.No();
+  const long r = reservee.No;
+  EXPECT_EQ(Bdd->AjouterEltTableSource(&reservee), r);
+  Bdd->EndImport();
+  EXPECT_TRUE(Bdd->NoSourceExists(r));
+
+  // Personne citée : place vide ou événement sans numéro refusés ; mise à jour sans ligne
+  // refusée ; insertion, puis mise à jour de la seule ligne de cette personne.
+  TEvenement ev(Bdd.get(), Ev.No());
+  ev.GetPersAssociee();
+  EXPECT_FALSE(Bdd->SetPersAssociee(&ev, 0, true));
+  ev.Enreg.AjoutPersAssociee(TPersAssociee{TLienPers(42, 'B'), 3, 4});
+  EXPECT_FALSE(Bdd->SetPersAssociee(&ev, 0, false));
+  TEvenement sansNo(Bdd.get());
+  sansNo.Enreg.AjoutPersAssociee(TPersAssociee{TLienPers(42), 3, 4});
+  EXPECT_FALSE(Bdd->SetPersAssociee(&sansNo, 0, true));
+  ASSERT_TRUE(Bdd->SetPersAssociee(&ev, 0, true));
+  ev.Enreg.PersAssociees[0].LienQualite = 8;
+  ASSERT_TRUE(Bdd->SetPersAssociee(&ev, 0, false));
+  EXPECT_EQ(Compte("SELECT COUNT(*) FROM PersAssociees"), 1);
+  EXPECT_EQ(Compte("SELECT LienQualite FROM PersAssociees WHERE LienPers_No = 42"), 8);
+  EXPECT_EQ(Compte("SELECT Rang FROM PersAssociees WHERE LienPers_No = 42"), 1);
+  std::vector<long> citations;
+  Bdd->ChargerLienCitationOfPerson(42, citations);
+  EXPECT_EQ(citations, std::vector<long>{Ev.No()});
+  // L'enregistrement de la liste trouve la ligne déjà d'accord.
+  EXPECT_EQ(Bdd->EnregistrementPersAssociees(&ev), 0);
+}
+
+TEST_F(SourcesBddTest, CheminDUnDossierExporte) {
+  EXPECT_EQ(TransformPathToPathExport("C:\\Genea\\Famille.rq2\\Images\\1850\\acte.jpg", "/cle/F.rq2"),
+            "/cle/F.rq2/Images/1850/acte.jpg");
+  EXPECT_EQ(TransformPathToPathExport("/a/images/b/IMAGES/c.png", "/d/"), "/d/Images/c.png");
+  EXPECT_EQ(TransformPathToPathExport("/photos/MesImages/c.png", "/d"), "/d/Images/c.png");
+  EXPECT_EQ(TransformPathToPathExport("portrait.jpg", "/d"), "/d/Images/portrait.jpg");
+
+  const fs::path dossier = Racine / "Famille.rq2";
+  fs::create_directories(dossier / "Images");
+  std::ofstream(dossier / "Images" / "acte.jpg") << "x";
+  TIllustration il(Bdd.get());
+  il.SetChemin("C:\\Ailleurs\\Images\\acte.jpg");
+  // Le fichier manque là où le chemin le met : hors export, le chemin reste le sien.
+  EXPECT_EQ(il.GetExpandFilename(), (dossier / "C:/Ailleurs/Images/acte.jpg").string());
+  Bdd->DossierExport = true;
+  EXPECT_EQ(il.GetExpandFilename(), (dossier / "Images" / "acte.jpg").string());
+  il.SetChemin("Images\\absent.jpg");
+  EXPECT_EQ(il.GetExpandFilename(), (dossier / "Images" / "absent.jpg").string());
+}
+
 }  // namespace
 }  // namespace rqbase

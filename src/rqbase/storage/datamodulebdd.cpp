@@ -392,6 +392,12 @@ SQLite::Database& TModuleBDD::Base() {
 void TModuleBDD::DeleteLesTables() {
   Requetes.clear();
   Blocages.clear();
+  // Un parcours laissé ouvert est une requête de plus : la connexion ne se ferme pas sur elle.
+  ParcoursEvens.reset();
+  ParcoursChps.reset();
+  ParcoursDonnees.reset();
+  ParcoursSources.reset();
+  ParcoursIllustrations.reset();
 }
 
 void TModuleBDD::DestroyDataBaseBDD() {

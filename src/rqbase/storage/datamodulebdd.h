@@ -202,6 +202,9 @@ class TModuleBDD {
   std::string GetNomSession() const { return NomSession; }  // "ses<n>", n < 100000
   // Nom du fil qui lit (LectureEven le teste).
   std::string NomThread;
+  // Le dossier est un export (copié ailleurs avec ses images) : TIllustration::
+  // GetExpandFilename y cherche aussi un fichier manquant par TransformPathToPathExport.
+  bool DossierExport = false;
   // Barre de progression des restructurations ; nullptr : muette.
   TProgression* Progression = nullptr;
 
@@ -225,6 +228,12 @@ class TModuleBDD {
   bool LectureChpsSimple(TChpsSimple* chp);
   bool LectureChpsSimple(const std::string& libelle, long no, TChpsSimple* chp);
   bool GetEventByID(long id, TEvenement* ev) { ev->Enreg.No = id; return LectureEven(ev); }
+  // L'objet de la ligne où se tient `ligne`, une requête dont les colonnes sont celles de
+  // ColonnesEvenements() dans leur ordre (ID, Type, LibelleChamps... RANG_B) : ce que la
+  // lecture d'une ligne donne, renvois au-delà des fichiers des lieux et des notes annulés.
+  void GetEvenement(TEvenement* ev, SQLite::Statement& ligne);
+  void GetChpsSimple(TChpsSimple* chp, SQLite::Statement& ligne);
+  static std::string ColonnesEvenements();
   // Écrit l'objet : ligne neuve (numéro 0, donné par le moteur) ou ligne existante dont
   // seules les valeurs changées comptent ; rien de changé, rien d'écrit. Rend vrai si
   // une ligne a été écrite. Sauf `sansListes`, les trois listes chargées suivent.
@@ -272,6 +281,12 @@ class TModuleBDD {
   void BeginParcoursChpsSimple(const std::string& libelle = "", long noPers = 0);
   bool GetChpsSimpleParcours(TChpsSimple* chp, long deplacement = 0);
   void EndParcoursChpsSimple();
+  // Parcours des deux sortes de lignes à la fois, dans l'ordre des numéros, mêmes filtres.
+  // GetDataParcours remplit `ev` pour un événement, `chp` pour un champ simple (l'autre reste
+  // vierge, numéro 0 ; un pointeur nul saute la ligne de sa sorte) ; false à la fin.
+  void BeginParcoursDonnees(const std::string& libelle = "", long noPers = 0);
+  bool GetDataParcours(TEvenement* ev, TChpsSimple* chp);
+  void EndParcoursDonnees();
 
   // Personne supprimée (`restaure` faux) : ses lignes cachées, numéros de personnes mis en
   // négatif ; restaurée : remis, sauf une ligne dont l'autre personne est encore supprimée.
@@ -288,6 +303,17 @@ class TModuleBDD {
   void ChangeTypeEvenement(long id, int type);
   // Toutes les lignes de ce libellé deviennent des événements (Type 0) ; rend leur nombre.
   long ChpsSimpleEven(const std::string& libelle);
+  // Le changement d'un champ du catalogue porté sur ses lignes : chaque ligne du libellé
+  // `libelle` prend `nouveauLibelle` (vide : gardé) et le Type `type` (0 événement, 1 champ
+  // simple ; négatif : gardé). Rend le nombre de lignes changées. Le descripteur (TChpCs),
+  // au-dessus de la base, donne son libellé d'avant et d'après.
+  long ModifChampsAvecLeLibelle(const std::string& libelle, const std::string& nouveauLibelle, int type);
+  // Les lignes RESIDENCE encore en champ simple deviennent des événements (la résidence a
+  // une date et un lieu) ; rend leur nombre.
+  long UpdateResidence();
+  // Le plus grand numéro de source, d'illustration (0 sans ligne) : la borne des façades.
+  long GetIDSourceMax();
+  long GetIDIllustrationMax();
 
   // Requêtes des écrans (evenements_requetes.cpp) : numéros d'événements (Type 0) dans l'ordre
   // de _DATE puis du numéro ; personnes (numéros positifs) dans l'ordre des numéros.
@@ -304,6 +330,12 @@ class TModuleBDD {
   // dernier changement des lignes d'une personne ("" si aucune), "aaaa-mm-jj hh:mm:ss".
   long GetLastPersonEdit();
   std::string GetDateLastModif(long no);
+  // Les personnes favorites : celles dont le champ simple FAVORIS (oui ou non) ne tient ni
+  // un texte vide ni "0", par numéro.
+  void GetPersonFavorite(std::vector<long>& personnes);
+  // Chaque personne avec le texte de son champ simple DDMF (date de dernière modification,
+  // "jj/mm/aaaa hh:nn:ss"), la plus récemment modifiée d'abord, puis par numéro.
+  void ChargerPersDDMF(std::vector<std::pair<long, std::string>>& personnes);
   // Échange les rangs de deux personnes citées (lignes de PersAssociees).
   void SwapPersAssociees(long a, long b);
   // Rangs de citation posés la première fois (conversion) : les citations de la personne,
@@ -348,11 +380,19 @@ class TModuleBDD {
   bool NoSourceExists(long id);
   long ReturnNewNumSource();
   void SwapSources(long a, long b);
+  // Ajoute la source en ligne neuve, au bout de la liste de son événement (son numéro, sauf
+  // numéro réservé de l'import, est remplacé par celui que la ligne reçoit) ; rend le numéro.
+  long AjouterEltTableSource(TSource* s);
+  // L'objet de la ligne où se tient `ligne` (colonnes : numéro, ID_EVEN, puis TYPE et
+  // DESCRIPTIF, ou CHEMIN), comme les parcours les lisent.
+  void GetSource(TSource* s, SQLite::Statement& ligne);
   bool LectureIllustration(TIllustration* i);
   bool EnregistrementIllustration(TIllustration* i);
   bool NoIllustrationExists(long id);
   long ReturnNewNumIllustration();
   void SwapIllustrations(long a, long b);
+  long AjouterEltTableIllustration(TIllustration* i);
+  void GetIllustration(TIllustration* i, SQLite::Statement& ligne);
   long GetNbIllustration(long idEven);
   void SetIllustrationDefault(long noPers, long idEven, long illustration);
   // Les trois listes d'un événement, en ordre de rang, 50 au plus.
@@ -363,10 +403,17 @@ class TModuleBDD {
   long UpdaterSourceOfEven(TEvenement* ev);
   long UpdaterIllustrationOfEven(TEvenement* ev);
   long EnregistrementPersAssociees(TEvenement* ev);
+  // Écrit la personne citée de la place i : `insertion`, une ligne neuve (rang suivant parmi
+  // les citations de la personne citée) ; sinon la ligne de l'événement qui cite déjà cette
+  // personne (son rang gardé). false sans rien écrire pour une place vide, un événement
+  // sans numéro, ou une mise à jour sans ligne.
+  bool SetPersAssociee(TEvenement* ev, int i, bool insertion);
   // Renumérote de 0 les rangs des lignes de l'événement (table Sources ou Illustrations).
   long UpdateRang(const std::string& table, long idEven);
   // Les événements où la personne est citée, en ordre de rang (100 au plus).
   void ChargerCitationsDePersonne(long no, std::vector<long>& evens);
+  // Le même sous le nom du format ; la forme qui prend une TPerson est dans la couche personne.
+  void ChargerLienCitationOfPerson(long no, std::vector<long>& evens) { ChargerCitationsDePersonne(no, evens); }
   void EnregistreOrdreCitations(long no, const std::vector<long>& evens);
   bool PersIsCitee(long no);
   void UpdatePersCiteeBuffer(long idEven);
@@ -406,6 +453,9 @@ class TModuleBDD {
   long Ecrit(SQLite::Statement& requete);
   std::set<long> Reserves, ReservesSources, ReservesIllustrations;
   std::unique_ptr<SQLite::Statement> ParcoursEvens, ParcoursChps, ParcoursSources, ParcoursIllustrations;
+  std::unique_ptr<SQLite::Statement> ParcoursDonnees;
+  // La ligne `idLigne` de PersAssociees (0 : une ligne neuve) d'après la place i.
+  long EcritPersAssociee(const TEvenement::TEnreg& e, int i, long idLigne);
   int ColonneDateModif = -1;  // -1 pas encore vu, 0 absente, 1 présente
 
   std::string CheminAdb;

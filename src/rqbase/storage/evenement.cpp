@@ -5,7 +5,9 @@
 
 #include "rqbase/storage/contexte_dossier.h"
 #include "rqbase/storage/datamodulebdd.h"
+#include "rqbase/platform/cp1252.h"
 #include "rqbase/util/chaines.h"
+#include "rqbase/util/fichiers.h"
 
 namespace rqbase {
 
@@ -293,8 +295,34 @@ void TIllustration::SetChemin(std::string_view c) {
 std::string TIllustration::GetExpandFilename() const {
   std::string chemin = Enreg.Chemin;
   std::replace(chemin.begin(), chemin.end(), '\\', '/');
-  if (!Bdd || chemin.empty() || chemin[0] == '/') return chemin;
-  return DossierDe(*Bdd) + "/" + chemin;
+  if (!Bdd || chemin.empty()) return chemin;
+  const std::string absolu = chemin[0] == '/' ? chemin : DossierDe(*Bdd) + "/" + chemin;
+  if (Bdd->DossierExport && !FichierExiste(absolu)) {
+    const std::string exporte = TransformPathToPathExport(chemin, DossierDe(*Bdd));
+    if (FichierExiste(exporte)) return exporte;
+  }
+  return absolu;
+}
+
+std::string TransformPathToPathExport(std::string_view chemin, std::string_view dossier) {
+  std::string c(chemin);
+  std::replace(c.begin(), c.end(), '\\', '/');
+  // Le dernier dossier « Images » du chemin, à quelque profondeur et en quelque casse qu'il
+  // soit : ce qui le suit est le chemin de l'image dans tout dossier copié avec ses images.
+  const std::string maj = MajusculesCp1252(c);
+  size_t debut = std::string::npos;
+  for (size_t p = maj.find("IMAGES/"); p != std::string::npos; p = maj.find("IMAGES/", p + 1))
+    if (p == 0 || maj[p - 1] == '/') debut = p + 7;
+  std::string suite;
+  if (debut != std::string::npos) {
+    suite = c.substr(debut);
+  } else {
+    const size_t slash = c.find_last_of('/');
+    suite = slash == std::string::npos ? c : c.substr(slash + 1);
+  }
+  std::string d(dossier);
+  if (!d.empty() && d.back() != '/') d += '/';
+  return d + "Images/" + suite;
 }
 
 }  // namespace rqbase

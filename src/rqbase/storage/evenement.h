@@ -26,6 +26,17 @@
 namespace rqbase {
 
 class TModuleBDD;
+class TFicEvens;
+class TFicChpsSimple;
+class TFicSources;
+class TFicIllustrations;
+
+// Le débordement d'un événement dans un dossier de 2009 (.evx) ; sa forme sur le disque est
+// dans fic_evens.h.
+class TExtEvenement {
+ public:
+  struct TEnreg;
+};
 
 inline constexpr int kNbSourcesEven = 50;
 inline constexpr int kNbIllustrationsEven = 50;
@@ -126,6 +137,17 @@ class TEvenement {
   // en lecture seule, un dossier en lecture seule ou en erreur.
   bool Enregistrement();
 
+  // La forme d'un événement dans un dossier de 2009 (.evn), dans fic_evens.h.
+  struct TEnregPrive;
+  // Lit l'événement du numéro de l'objet dans le .evn de la façade (et son débordement
+  // .evx) ; numéro nul ou au-delà du compte, dossier en erreur : objet vierge, false.
+  bool LectureAncien(TFicEvens* fic);
+  // Ce que l'enregistrement ancien donne à l'objet : les quatre premières personnes citées,
+  // deux illustrations et quatre sources ; le débordement, la donnée et les suivantes.
+  // Les listes ainsi remplies sont marquées chargées.
+  void TransfertVersPublic(const TEnregPrive& e);
+  void TransfertVersPublic(const TExtEvenement::TEnreg& e);
+
   // Listes chargées au premier usage depuis la base (sans base : telles quelles).
   int32_t* Illustration();
   int32_t* GetSource();
@@ -166,6 +188,9 @@ class TChpsSimple {
   bool InfoRangValide() const { return NoPers != -1 && Rang != -1; }
   long No() const { return Enreg.No; }
   bool Enregistrement();  // mêmes refus que TEvenement::Enregistrement
+  // Le champ `no` du .chs de la façade : libellé, donnée (plus de 101 caractères : tenue
+  // pour abîmée, lue vide), les deux personnes. Hors de 1..compte : vierge, false.
+  bool LectureAncien(TFicChpsSimple* fic, long no);
 
   TModuleBDD* Bdd;
   long NoPers = -1;
@@ -185,6 +210,8 @@ class TSource {
   void SetType(std::string_view t);
   void SetDescriptif(std::string_view d);
   bool Enregistrement();  // mêmes refus que TEvenement::Enregistrement
+  // La source `no` du .src de la façade ; hors de 1..compte : vierge, false.
+  bool LectureAncien(TFicSources* fic, long no);
 
   TModuleBDD* Bdd;
   long No = 0;
@@ -204,7 +231,12 @@ class TIllustration {
   void SetChemin(std::string_view c);
   // Le chemin absolu : le dossier de la base suivi du chemin (« \ » lu « / »), que le fichier
   // existe ou non ; un chemin déjà absolu est rendu tel quel. Sans base : le chemin seul.
+  // Pour un dossier exporté (TModuleBDD::DossierExport) dont ce fichier manque, le chemin
+  // passé par TransformPathToPathExport est pris s'il existe.
   std::string GetExpandFilename() const;
+  // L'illustration du numéro de l'objet dans le .ill de la façade ; hors de 1..compte :
+  // vierge, false.
+  bool LectureAncien(TFicIllustrations* fic);
   // Mêmes refus que TEvenement::Enregistrement ; un chemin absolu pris dans le dossier y est
   // d'abord rendu relatif (« Images/... »).
   bool Enregistrement();
@@ -214,5 +246,10 @@ class TIllustration {
   long NoEven = 0;
   TEnreg Enreg;
 };
+
+// Le chemin d'une illustration dans un dossier exporté (copié ailleurs avec ses images) :
+// ce qui suit le dernier dossier « Images » du chemin (sans égard à la casse, « \ » lu
+// « / »), ou à défaut le seul nom du fichier sous Images/, posé dans `dossier`.
+std::string TransformPathToPathExport(std::string_view chemin, std::string_view dossier);
 
 }  // namespace rqbase

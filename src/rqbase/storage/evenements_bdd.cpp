@@ -314,6 +314,23 @@ bool TModuleBDD::LectureEven(TEvenement* ev) {
   });
 }
 
+std::string TModuleBDD::ColonnesEvenements() {
+  return kColonnes;
+}
+
+void TModuleBDD::GetEvenement(TEvenement* ev, SQLite::Statement& ligne) {
+  ev->Enreg.Raz();
+  Protege([&] {
+    const TLigne l = LitLigne(ligne);
+    RemplitEven(ev->Enreg, l, AnnuleSiSupLong(l.Lieu, NbLieux), AnnuleSiSupLong(l.Note, NbNotes));
+  });
+}
+
+void TModuleBDD::GetChpsSimple(TChpsSimple* chp, SQLite::Statement& ligne) {
+  chp->Enreg.Raz();
+  Protege([&] { RemplitChps(chp->Enreg, LitLigne(ligne)); });
+}
+
 bool TModuleBDD::LectureEven(const std::string& libelle, TEvenement* ev, long no, int rang) {
   ev->Enreg.Raz();
   if (no <= 0 || rang < 1) return false;
@@ -615,6 +632,12 @@ long TModuleBDD::GetIDEventMax(bool simple) {
   return simple ? UnEntier(*this, "SELECT MAX(\"ID\") FROM \"Evenements\" WHERE \"Type\" <> 0", {})
                 : UnEntier(*this, "SELECT MAX(\"ID\") FROM \"Evenements\"", {});
 }
+long TModuleBDD::GetIDSourceMax() {
+  return UnEntier(*this, "SELECT MAX(\"ID_SOURCE\") FROM \"Sources\"", {});
+}
+long TModuleBDD::GetIDIllustrationMax() {
+  return UnEntier(*this, "SELECT MAX(\"ID_ILLUSTRATION\") FROM \"Illustrations\"", {});
+}
 long TModuleBDD::RecupereNoPersbyIDEven(long id) {
   return UnEntier(*this, "SELECT \"NoPersA\" FROM \"Evenements\" WHERE \"ID\" = ?", {id});
 }
@@ -743,9 +766,10 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
 
 namespace {
 
-std::unique_ptr<SQLite::Statement> OuvreParcours(SQLite::Database& base, bool simples, const std::string& libelle,
-                                                 long noPers) {
-  std::string sql = Select(simples ? "WHERE \"Type\" <> 0" : "WHERE \"Type\" = 0");
+// `sortes` : la clause qui choisit les événements, les champs simples, ou les deux.
+std::unique_ptr<SQLite::Statement> OuvreParcours(SQLite::Database& base, const char* sortes,
+                                                 const std::string& libelle, long noPers) {
+  std::string sql = Select(sortes);
   if (!libelle.empty()) sql += " AND \"LibelleChamps\" = :lib";
   if (noPers != 0) sql += " AND (\"NoPersA\" = :no OR \"NoPersB\" = :no)";
   sql += " ORDER BY \"ID\"";
@@ -755,21 +779,25 @@ std::unique_ptr<SQLite::Statement> OuvreParcours(SQLite::Database& base, bool si
   return q;
 }
 
+// Saute `deplacement` lignes et se place sur la suivante ; false à la fin.
+bool Avance(SQLite::Statement& parcours, long deplacement) {
+  for (long i = 0; i <= deplacement; ++i)
+    if (!parcours.executeStep()) return false;
+  return true;
+}
+
 }  // namespace
 
 void TModuleBDD::BeginParcoursEvens(const std::string& libelle, long noPers) {
-  Protege([&] { ParcoursEvens = OuvreParcours(Base(), false, libelle, noPers); });
+  Protege([&] { ParcoursEvens = OuvreParcours(Base(), "WHERE \"Type\" = 0", libelle, noPers); });
 }
 
 bool TModuleBDD::GetEvenParcours(TEvenement* ev, long deplacement) {
   ev->Enreg.Raz();
   if (!ParcoursEvens) return false;
   return Protege([&] {
-    for (long i = 0; i < deplacement; ++i)
-      if (!ParcoursEvens->executeStep()) return false;
-    if (!ParcoursEvens->executeStep()) return false;
-    const TLigne l = LitLigne(*ParcoursEvens);
-    RemplitEven(ev->Enreg, l, AnnuleSiSupLong(l.Lieu, NbLieux), AnnuleSiSupLong(l.Note, NbNotes));
+    if (!Avance(*ParcoursEvens, deplacement)) return false;
+    GetEvenement(ev, *ParcoursEvens);
     return true;
   });
 }
@@ -779,23 +807,48 @@ void TModuleBDD::EndParcoursEvens() {
 }
 
 void TModuleBDD::BeginParcoursChpsSimple(const std::string& libelle, long noPers) {
-  Protege([&] { ParcoursChps = OuvreParcours(Base(), true, libelle, noPers); });
+  Protege([&] { ParcoursChps = OuvreParcours(Base(), "WHERE \"Type\" <> 0", libelle, noPers); });
 }
 
 bool TModuleBDD::GetChpsSimpleParcours(TChpsSimple* chp, long deplacement) {
   chp->Enreg.Raz();
   if (!ParcoursChps) return false;
   return Protege([&] {
-    for (long i = 0; i < deplacement; ++i)
-      if (!ParcoursChps->executeStep()) return false;
-    if (!ParcoursChps->executeStep()) return false;
-    RemplitChps(chp->Enreg, LitLigne(*ParcoursChps));
+    if (!Avance(*ParcoursChps, deplacement)) return false;
+    GetChpsSimple(chp, *ParcoursChps);
     return true;
   });
 }
 
 void TModuleBDD::EndParcoursChpsSimple() {
   ParcoursChps.reset();
+}
+
+void TModuleBDD::BeginParcoursDonnees(const std::string& libelle, long noPers) {
+  Protege([&] { ParcoursDonnees = OuvreParcours(Base(), "WHERE 1", libelle, noPers); });
+}
+
+bool TModuleBDD::GetDataParcours(TEvenement* ev, TChpsSimple* chp) {
+  if (ev) ev->Enreg.Raz();
+  if (chp) chp->Enreg.Raz();
+  if (!ParcoursDonnees) return false;
+  return Protege([&] {
+    while (ParcoursDonnees->executeStep()) {
+      if (Entier(*ParcoursDonnees, 1) == 0) {
+        if (!ev) continue;
+        GetEvenement(ev, *ParcoursDonnees);
+      } else {
+        if (!chp) continue;
+        GetChpsSimple(chp, *ParcoursDonnees);
+      }
+      return true;
+    }
+    return false;
+  });
+}
+
+void TModuleBDD::EndParcoursDonnees() {
+  ParcoursDonnees.reset();
 }
 
 // --- Personne supprimée, restaurée ---
@@ -921,6 +974,26 @@ long TModuleBDD::ChpsSimpleEven(const std::string& libelle) {
     LieTexte(q, 1, Coupe(Trim(libelle), kLgLibelle));
     return Ecrit(q);
   });
+}
+
+long TModuleBDD::ModifChampsAvecLeLibelle(const std::string& libelle, const std::string& nouveauLibelle, int type) {
+  const std::string ancien = Coupe(Trim(libelle), kLgLibelle);
+  const std::string nouveau = Trim(nouveauLibelle).empty() ? ancien : Coupe(Trim(nouveauLibelle), kLgLibelle);
+  return Protege([&] {
+    // Seules les lignes qui changent sont écrites (et comptées).
+    SQLite::Statement& q =
+        Requete(type < 0 ? "UPDATE \"Evenements\" SET \"LibelleChamps\" = ?1 WHERE \"LibelleChamps\" = ?2 AND ?1 <> ?2"
+                         : "UPDATE \"Evenements\" SET \"LibelleChamps\" = ?1, \"Type\" = ?3 WHERE \"LibelleChamps\" = ?2 "
+                           "AND (?1 <> ?2 OR \"Type\" IS NOT ?3)");
+    LieTexte(q, 1, nouveau);
+    LieTexte(q, 2, ancien);
+    if (type >= 0) q.bind(3, type);
+    return Ecrit(q);
+  });
+}
+
+long TModuleBDD::UpdateResidence() {
+  return ModifChampsAvecLeLibelle("RESIDENCE", "", 0);
 }
 
 // --- Textes et dates ---

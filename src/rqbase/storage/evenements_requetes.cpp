@@ -2,6 +2,7 @@
 // absents n'ajoutent rien au texte de la requête ; les valeurs sont toujours liées.
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include <algorithm>
 #include <climits>
 
 #include "rqbase/storage/datamodulebdd.h"
@@ -145,24 +146,33 @@ std::string TModuleBDD::GetDateLastModif(long no) {
   });
 }
 
-void TModuleBDD::SwapPersAssociees(long a, long b) {
+void TModuleBDD::GetPersonFavorite(std::vector<long>& personnes) {
+  personnes.clear();
   Protege([&] {
-    auto rangDe = [&](long id, long& rang) {
-      SQLite::Statement& q = Requete("SELECT \"Rang\" FROM \"PersAssociees\" WHERE \"ID_PERSASSOC\" = ?");
-      q.bind(1, static_cast<int64_t>(id));
-      const bool existe = q.executeStep();
-      if (existe) rang = Entier(q, 0);
-      q.tryReset();
-      return existe;
-    };
-    long ra = 0, rb = 0;
-    if (!rangDe(a, ra) || !rangDe(b, rb)) return;
-    for (auto [id, rang] : {std::pair<long, long>{b, ra}, std::pair<long, long>{a, rb}}) {
-      SQLite::Statement& u = Requete("UPDATE \"PersAssociees\" SET \"Rang\" = ? WHERE \"ID_PERSASSOC\" = ?");
-      u.bind(1, static_cast<int64_t>(rang));
-      u.bind(2, static_cast<int64_t>(id));
-      LignesEcrites += PostInTable(u);
+    SQLite::Statement& q = Requete(
+        "SELECT DISTINCT \"NoPersA\" FROM \"Evenements\" WHERE \"LibelleChamps\" = 'FAVORIS' AND \"Type\" <> 0 AND "
+        "\"NoPersA\" > 0 AND TRIM(COALESCE(\"Donnee\", '')) NOT IN ('', '0') ORDER BY \"NoPersA\"");
+    while (q.executeStep()) personnes.push_back(Entier(q, 0));
+    q.tryReset();
+  });
+}
+
+void TModuleBDD::ChargerPersDDMF(std::vector<std::pair<long, std::string>>& personnes) {
+  personnes.clear();
+  Protege([&] {
+    SQLite::Statement& q = Requete(
+        "SELECT \"NoPersA\", \"Donnee\" FROM \"Evenements\" WHERE \"LibelleChamps\" = 'DDMF' AND \"Type\" <> 0 AND "
+        "\"NoPersA\" > 0 ORDER BY \"NoPersA\", \"ID\"");
+    while (q.executeStep()) {
+      const long no = Entier(q, 0);
+      // Une personne n'a qu'une date de modification : la première ligne compte.
+      if (personnes.empty() || personnes.back().first != no) personnes.emplace_back(no, Trim(TexteColonne(q, 1)));
     }
+    q.tryReset();
+  });
+  // Le texte "jj/mm/aaaa hh:nn:ss" ne se range pas comme une date : il est converti.
+  std::stable_sort(personnes.begin(), personnes.end(), [](const auto& a, const auto& b) {
+    return StrVersDateTime(a.second) > StrVersDateTime(b.second);
   });
 }
 
@@ -309,10 +319,7 @@ bool TModuleBDD::GetSourceParcours(TSource* s) {
   if (!ParcoursSources) return false;
   return Protege([&] {
     if (!ParcoursSources->executeStep()) return false;
-    s->No = Entier(*ParcoursSources, 0);
-    s->NoEven = Entier(*ParcoursSources, 1);
-    s->SetType(TexteColonne(*ParcoursSources, 2));
-    s->SetDescriptif(TexteColonne(*ParcoursSources, 3));
+    GetSource(s, *ParcoursSources);
     return true;
   });
 }
@@ -338,9 +345,7 @@ bool TModuleBDD::GetIllustrationParcours(TIllustration* i) {
   if (!ParcoursIllustrations) return false;
   return Protege([&] {
     if (!ParcoursIllustrations->executeStep()) return false;
-    i->No = Entier(*ParcoursIllustrations, 0);
-    i->NoEven = Entier(*ParcoursIllustrations, 1);
-    i->SetChemin(TexteColonne(*ParcoursIllustrations, 2));
+    GetIllustration(i, *ParcoursIllustrations);
     return true;
   });
 }

@@ -23,12 +23,17 @@ namespace rqbase {
 
 namespace {
 
+// Une table des listes d'un événement : son numéro, ses colonnes de texte et leurs tailles
+// (Sources : TYPE et DESCRIPTIF ; Illustrations : CHEMIN).
 struct TTableListe {
   const char* Table;
   const char* ColId;
+  const char* Textes[2];
+  size_t Tailles[2];
+  int NbTextes() const { return Textes[1] ? 2 : 1; }
 };
-constexpr TTableListe kSources{"Sources", "ID_SOURCE"};
-constexpr TTableListe kIllustrations{"Illustrations", "ID_ILLUSTRATION"};
+constexpr TTableListe kSources{"Sources", "ID_SOURCE", {"TYPE", "DESCRIPTIF"}, {kLgTypeSource, kLgDescriptifSource}};
+constexpr TTableListe kIllustrations{"Illustrations", "ID_ILLUSTRATION", {"CHEMIN", nullptr}, {kLgChemin, 0}};
 
 std::string G(const char* nom) {
   return std::string("\"") + nom + "\"";
@@ -112,8 +117,10 @@ long RangSuivant(TModuleBDD& bdd, const TTableListe& t, long idEven) {
   return r;
 }
 
-void Echange(TModuleBDD& bdd, const TTableListe& t, long a, long b) {
-  const std::string lit = "SELECT \"RANG\" FROM " + G(t.Table) + " WHERE " + G(t.ColId) + " = ?";
+// Échange les rangs de deux lignes (`colRang`) trouvées par leur numéro (`colId`), quels
+// que soient leurs événements.
+void Echange(TModuleBDD& bdd, const char* table, const char* colId, const char* colRang, long a, long b) {
+  const std::string lit = "SELECT " + G(colRang) + " FROM " + G(table) + " WHERE " + G(colId) + " = ?";
   auto rangDe = [&](long id, long& rang) {
     SQLite::Statement& q = bdd.Requete(lit);
     q.bind(1, static_cast<int64_t>(id));
@@ -124,7 +131,7 @@ void Echange(TModuleBDD& bdd, const TTableListe& t, long a, long b) {
   };
   long ra = 0, rb = 0;
   if (!rangDe(a, ra) || !rangDe(b, rb)) return;
-  const std::string ecrit = "UPDATE " + G(t.Table) + " SET \"RANG\" = ? WHERE " + G(t.ColId) + " = ?";
+  const std::string ecrit = "UPDATE " + G(table) + " SET " + G(colRang) + " = ? WHERE " + G(colId) + " = ?";
   for (auto [id, rang] : {std::pair<long, long>{b, ra}, std::pair<long, long>{a, rb}}) {
     SQLite::Statement& u = bdd.Requete(ecrit);
     u.bind(1, static_cast<int64_t>(rang));
@@ -147,28 +154,135 @@ long NouveauNumero(TModuleBDD& bdd, const TTableListe& t) {
   return static_cast<long>(bdd.Base().getLastInsertRowid());
 }
 
+// Un numéro neuf : en import, le compteur (réservé, sans ligne) ; sinon une ligne vide.
+long NumeroNeuf(TModuleBDD& bdd, const TTableListe& t, long& compteur, std::set<long>& reserves) {
+  if (bdd.EnImport()) {
+    const long no = compteur++;
+    reserves.insert(no);
+    return no;
+  }
+  return bdd.Protege([&] { return NouveauNumero(bdd, t); });
+}
+
+// Ce qu'une ligne tient : son événement et ses textes (dans l'ordre de t.Textes).
+struct TLigneListe {
+  long Id = 0;
+  long NoEven = 0;
+  std::string Textes[2];
+};
+
+// Les colonnes « numéro, ID_EVEN, textes » de la table, dans cet ordre.
+std::string Colonnes(const TTableListe& t) {
+  std::string c = G(t.ColId) + ", \"ID_EVEN\"";
+  for (int k = 0; k < t.NbTextes(); ++k) c += ", " + G(t.Textes[k]);
+  return c;
+}
+
+TLigneListe LitLigneListe(const TTableListe& t, SQLite::Statement& q) {
+  TLigneListe l;
+  l.Id = Entier(q, 0);
+  l.NoEven = Entier(q, 1);
+  for (int k = 0; k < t.NbTextes(); ++k) l.Textes[k] = TModuleBDD::TexteColonne(q, 2 + k);
+  return l;
+}
+
+bool ChercheLigneListe(TModuleBDD& bdd, const TTableListe& t, long id, TLigneListe& l) {
+  SQLite::Statement& q = bdd.Requete("SELECT " + Colonnes(t) + " FROM " + G(t.Table) + " WHERE " + G(t.ColId) + " = ?");
+  q.bind(1, static_cast<int64_t>(id));
+  const bool trouve = q.executeStep();
+  if (trouve) l = LitLigneListe(t, q);
+  q.tryReset();
+  return trouve;
+}
+
+// Enregistre une source ou une illustration : la ligne du numéro, si elle existe et que
+// le numéro n'est pas réservé par l'import, est réécrite quand quelque chose y change ;
+// sinon une ligne est insérée au bout de la liste de l'événement (numéro imposé s'il en a
+// un). Les rangs de l'événement, et de celui qu'elle quitte, sont refaits. Rend vrai si
+// une ligne a été écrite.
+bool EnregistreLigneListe(TModuleBDD& bdd, const TTableListe& t, long& no, long noEven, const std::string (&textes)[2],
+                          std::set<long>& reserves) {
+  TLigneListe ancienne;
+  const bool existe = !reserves.count(no) && no > 0 && ChercheLigneListe(bdd, t, no, ancienne);
+  std::string nouveaux[2];
+  bool change = !existe || ancienne.NoEven != noEven;
+  for (int k = 0; k < t.NbTextes(); ++k) {
+    nouveaux[k] = Coupe(textes[k], t.Tailles[k]);
+    change = change || Coupe(ancienne.Textes[k], t.Tailles[k]) != nouveaux[k];
+  }
+  if (!change) return false;
+  std::string sql;
+  if (existe) {
+    sql = "UPDATE " + G(t.Table) + " SET \"ID_EVEN\" = ?";
+    for (int k = 0; k < t.NbTextes(); ++k) sql += ", " + G(t.Textes[k]) + " = ?";
+    sql += " WHERE " + G(t.ColId) + " = ?";
+  } else {
+    sql = "INSERT INTO " + G(t.Table) + " (\"ID_EVEN\"";
+    std::string valeurs = "?";
+    for (int k = 0; k < t.NbTextes(); ++k) {
+      sql += ", " + G(t.Textes[k]);
+      valeurs += ", ?";
+    }
+    sql += ", \"RANG\", " + G(t.ColId) + ") VALUES (" + valeurs + ", ?, ?)";
+  }
+  SQLite::Statement& u = bdd.Requete(sql);
+  int i = 1;
+  u.bind(i++, static_cast<int64_t>(noEven));
+  for (int k = 0; k < t.NbTextes(); ++k) TModuleBDD::LieTexte(u, i++, nouveaux[k]);
+  if (!existe) u.bind(i++, static_cast<int64_t>(RangSuivant(bdd, t, noEven)));
+  if (existe || no > 0)
+    u.bind(i, static_cast<int64_t>(no));
+  else
+    u.bind(i);
+  bdd.LignesEcrites += bdd.PostInTable(u);
+  if (!existe) {
+    if (no <= 0) no = static_cast<long>(bdd.Base().getLastInsertRowid());
+    reserves.erase(no);
+  }
+  if (noEven != 0) bdd.UpdateRang(t.Table, noEven);
+  if (ancienne.NoEven != 0 && ancienne.NoEven != noEven) bdd.UpdateRang(t.Table, ancienne.NoEven);
+  return true;
+}
+
+// L'objet d'une ligne.
+void Remplit(TSource& s, const TLigneListe& l) {
+  s.No = l.Id;
+  s.NoEven = l.NoEven;
+  s.SetType(l.Textes[0]);
+  s.SetDescriptif(l.Textes[1]);
+}
+
+void Remplit(TIllustration& i, const TLigneListe& l) {
+  i.No = l.Id;
+  i.NoEven = l.NoEven;
+  i.SetChemin(l.Textes[0]);
+}
+
+// La ligne du numéro de l'objet ; introuvable, l'objet reste vierge (son numéro gardé).
+template <typename T>
+bool LitObjet(TModuleBDD& bdd, const TTableListe& t, T& objet) {
+  const long no = objet.No;
+  objet.NoEven = 0;
+  objet.Enreg = typename T::TEnreg();
+  if (no <= 0) return false;
+  return bdd.Protege([&] {
+    TLigneListe l;
+    if (!ChercheLigneListe(bdd, t, no, l)) return false;
+    Remplit(objet, l);
+    return true;
+  });
+}
+
 }  // namespace
 
 // --- Sources ---
 
 bool TModuleBDD::LectureSource(TSource* s) {
-  const long no = s->No;
-  s->NoEven = 0;
-  s->Enreg = TSource::TEnreg();
-  if (no <= 0) return false;
-  return Protege([&] {
-    SQLite::Statement& q =
-        Requete("SELECT \"ID_EVEN\", \"TYPE\", \"DESCRIPTIF\" FROM \"Sources\" WHERE \"ID_SOURCE\" = ?");
-    q.bind(1, static_cast<int64_t>(no));
-    const bool trouve = q.executeStep();
-    if (trouve) {
-      s->NoEven = Entier(q, 0);
-      s->SetType(TexteColonne(q, 1));
-      s->SetDescriptif(TexteColonne(q, 2));
-    }
-    q.tryReset();
-    return trouve;
-  });
+  return LitObjet(*this, kSources, *s);
+}
+
+void TModuleBDD::GetSource(TSource* s, SQLite::Statement& ligne) {
+  Remplit(*s, Protege([&] { return LitLigneListe(kSources, ligne); }));
 }
 
 bool TModuleBDD::NoSourceExists(long id) {
@@ -176,94 +290,35 @@ bool TModuleBDD::NoSourceExists(long id) {
 }
 
 long TModuleBDD::ReturnNewNumSource() {
-  if (EnImport()) {
-    const long no = PremierNumSource++;
-    ReservesSources.insert(no);
-    return no;
-  }
-  return Protege([&] { return NouveauNumero(*this, kSources); });
+  return NumeroNeuf(*this, kSources, PremierNumSource, ReservesSources);
 }
 
 bool TModuleBDD::EnregistrementSource(TSource* s) {
   return Protege([&] {
     if (s->No == 0 && EnImport()) s->No = ReturnNewNumSource();
-    const bool reserve = ReservesSources.count(s->No) != 0;
-    long ancienEven = 0;
-    bool existe = false;
-    std::string type, descriptif;
-    if (!reserve && s->No > 0) {
-      SQLite::Statement& q =
-          Requete("SELECT \"ID_EVEN\", \"TYPE\", \"DESCRIPTIF\" FROM \"Sources\" WHERE \"ID_SOURCE\" = ?");
-      q.bind(1, static_cast<int64_t>(s->No));
-      existe = q.executeStep();
-      if (existe) {
-        ancienEven = Entier(q, 0);
-        type = TexteColonne(q, 1);
-        descriptif = TexteColonne(q, 2);
-      }
-      q.tryReset();
-    }
-    const std::string nType = Coupe(s->Enreg.Type, kLgTypeSource);
-    const std::string nDesc = Coupe(s->Enreg.Descriptif, kLgDescriptifSource);
-    bool ecrit = false;
-    if (existe) {
-      if (ancienEven != s->NoEven || Coupe(type, kLgTypeSource) != nType ||
-          Coupe(descriptif, kLgDescriptifSource) != nDesc) {
-        SQLite::Statement& u =
-            Requete("UPDATE \"Sources\" SET \"ID_EVEN\" = ?, \"TYPE\" = ?, \"DESCRIPTIF\" = ? WHERE \"ID_SOURCE\" = ?");
-        u.bind(1, static_cast<int64_t>(s->NoEven));
-        LieTexte(u, 2, nType);
-        LieTexte(u, 3, nDesc);
-        u.bind(4, static_cast<int64_t>(s->No));
-        LignesEcrites += PostInTable(u);
-        ecrit = true;
-      }
-    } else {
-      SQLite::Statement& u = Requete(
-          "INSERT INTO \"Sources\" (\"ID_SOURCE\", \"ID_EVEN\", \"TYPE\", \"DESCRIPTIF\", \"RANG\") VALUES (?, ?, ?, "
-          "?, ?)");
-      if (s->No > 0)
-        u.bind(1, static_cast<int64_t>(s->No));
-      else
-        u.bind(1);
-      u.bind(2, static_cast<int64_t>(s->NoEven));
-      LieTexte(u, 3, nType);
-      LieTexte(u, 4, nDesc);
-      u.bind(5, static_cast<int64_t>(RangSuivant(*this, kSources, s->NoEven)));
-      LignesEcrites += PostInTable(u);
-      if (s->No <= 0) s->No = static_cast<long>(Base().getLastInsertRowid());
-      ReservesSources.erase(s->No);
-      ecrit = true;
-    }
-    if (ecrit && s->NoEven != 0) UpdateRang("Sources", s->NoEven);
-    if (ecrit && ancienEven != 0 && ancienEven != s->NoEven) UpdateRang("Sources", ancienEven);
-    return ecrit;
+    return EnregistreLigneListe(*this, kSources, s->No, s->NoEven, {s->Enreg.Type, s->Enreg.Descriptif},
+                                ReservesSources);
   });
 }
 
+long TModuleBDD::AjouterEltTableSource(TSource* s) {
+  if (!ReservesSources.count(s->No)) s->No = 0;
+  EnregistrementSource(s);
+  return s->No;
+}
+
 void TModuleBDD::SwapSources(long a, long b) {
-  Protege([&] { Echange(*this, kSources, a, b); });
+  Protege([&] { Echange(*this, kSources.Table, kSources.ColId, "RANG", a, b); });
 }
 
 // --- Illustrations ---
 
 bool TModuleBDD::LectureIllustration(TIllustration* i) {
-  const long no = i->No;
-  i->NoEven = 0;
-  i->Enreg = TIllustration::TEnreg();
-  if (no <= 0) return false;
-  return Protege([&] {
-    SQLite::Statement& q =
-        Requete("SELECT \"ID_EVEN\", \"CHEMIN\" FROM \"Illustrations\" WHERE \"ID_ILLUSTRATION\" = ?");
-    q.bind(1, static_cast<int64_t>(no));
-    const bool trouve = q.executeStep();
-    if (trouve) {
-      i->NoEven = Entier(q, 0);
-      i->SetChemin(TexteColonne(q, 1));
-    }
-    q.tryReset();
-    return trouve;
-  });
+  return LitObjet(*this, kIllustrations, *i);
+}
+
+void TModuleBDD::GetIllustration(TIllustration* i, SQLite::Statement& ligne) {
+  Remplit(*i, Protege([&] { return LitLigneListe(kIllustrations, ligne); }));
 }
 
 bool TModuleBDD::NoIllustrationExists(long id) {
@@ -271,67 +326,25 @@ bool TModuleBDD::NoIllustrationExists(long id) {
 }
 
 long TModuleBDD::ReturnNewNumIllustration() {
-  if (EnImport()) {
-    const long no = PremierNumIllustration++;
-    ReservesIllustrations.insert(no);
-    return no;
-  }
-  return Protege([&] { return NouveauNumero(*this, kIllustrations); });
+  return NumeroNeuf(*this, kIllustrations, PremierNumIllustration, ReservesIllustrations);
 }
 
 bool TModuleBDD::EnregistrementIllustration(TIllustration* il) {
   return Protege([&] {
     if (il->No == 0 && EnImport()) il->No = ReturnNewNumIllustration();
-    const bool reserve = ReservesIllustrations.count(il->No) != 0;
-    long ancienEven = 0;
-    bool existe = false;
-    std::string chemin;
-    if (!reserve && il->No > 0) {
-      SQLite::Statement& q =
-          Requete("SELECT \"ID_EVEN\", \"CHEMIN\" FROM \"Illustrations\" WHERE \"ID_ILLUSTRATION\" = ?");
-      q.bind(1, static_cast<int64_t>(il->No));
-      existe = q.executeStep();
-      if (existe) {
-        ancienEven = Entier(q, 0);
-        chemin = TexteColonne(q, 1);
-      }
-      q.tryReset();
-    }
-    const std::string nChemin = Coupe(il->Enreg.Chemin, kLgChemin);
-    bool ecrit = false;
-    if (existe) {
-      if (ancienEven != il->NoEven || Coupe(chemin, kLgChemin) != nChemin) {
-        SQLite::Statement& u =
-            Requete("UPDATE \"Illustrations\" SET \"ID_EVEN\" = ?, \"CHEMIN\" = ? WHERE \"ID_ILLUSTRATION\" = ?");
-        u.bind(1, static_cast<int64_t>(il->NoEven));
-        LieTexte(u, 2, nChemin);
-        u.bind(3, static_cast<int64_t>(il->No));
-        LignesEcrites += PostInTable(u);
-        ecrit = true;
-      }
-    } else {
-      SQLite::Statement& u = Requete(
-          "INSERT INTO \"Illustrations\" (\"ID_ILLUSTRATION\", \"ID_EVEN\", \"CHEMIN\", \"RANG\") VALUES (?, ?, ?, ?)");
-      if (il->No > 0)
-        u.bind(1, static_cast<int64_t>(il->No));
-      else
-        u.bind(1);
-      u.bind(2, static_cast<int64_t>(il->NoEven));
-      LieTexte(u, 3, nChemin);
-      u.bind(4, static_cast<int64_t>(RangSuivant(*this, kIllustrations, il->NoEven)));
-      LignesEcrites += PostInTable(u);
-      if (il->No <= 0) il->No = static_cast<long>(Base().getLastInsertRowid());
-      ReservesIllustrations.erase(il->No);
-      ecrit = true;
-    }
-    if (ecrit && il->NoEven != 0) UpdateRang("Illustrations", il->NoEven);
-    if (ecrit && ancienEven != 0 && ancienEven != il->NoEven) UpdateRang("Illustrations", ancienEven);
-    return ecrit;
+    return EnregistreLigneListe(*this, kIllustrations, il->No, il->NoEven, {il->Enreg.Chemin, std::string()},
+                                ReservesIllustrations);
   });
 }
 
+long TModuleBDD::AjouterEltTableIllustration(TIllustration* i) {
+  if (!ReservesIllustrations.count(i->No)) i->No = 0;
+  EnregistrementIllustration(i);
+  return i->No;
+}
+
 void TModuleBDD::SwapIllustrations(long a, long b) {
-  Protege([&] { Echange(*this, kIllustrations, a, b); });
+  Protege([&] { Echange(*this, kIllustrations.Table, kIllustrations.ColId, "RANG", a, b); });
 }
 
 long TModuleBDD::GetNbIllustration(long idEven) {
@@ -464,21 +477,12 @@ long TModuleBDD::EnregistrementPersAssociees(TEvenement* ev) {
     }
     long ecrites = 0;
     bool utilise[kNbPersAssocieesEven] = {};
-    auto niveau = [](uint8_t o) { return o == 0 ? std::string() : std::string(1, static_cast<char>(o)); };
     for (const TLigneP& l : lignes) {
       const int i = l.P.Lien.No == 0 ? -1 : e.ChercheRgNoPersAssociee(l.P.Lien.No);
       if (i >= 0 && !utilise[i]) {
         utilise[i] = true;
         if (e.PersAssociees[i] == l.P) continue;
-        SQLite::Statement& u = Requete(
-            "UPDATE \"PersAssociees\" SET \"LienQualite\" = ?, \"LienParente\" = ?, \"LienPers_No\" = ?, "
-            "\"LienPers_NivNo\" = ? WHERE \"ID_PERSASSOC\" = ?");
-        u.bind(1, e.PersAssociees[i].LienQualite);
-        u.bind(2, e.PersAssociees[i].LienParente);
-        u.bind(3, e.PersAssociees[i].Lien.No);
-        LieTexte(u, 4, niveau(e.PersAssociees[i].Lien.Octet));
-        u.bind(5, static_cast<int64_t>(l.Id));
-        ecrites += PostInTable(u);
+        ecrites += EcritPersAssociee(e, i, l.Id);
       } else {
         SQLite::Statement& d = Requete("DELETE FROM \"PersAssociees\" WHERE \"ID_PERSASSOC\" = ?");
         d.bind(1, static_cast<int64_t>(l.Id));
@@ -487,29 +491,75 @@ long TModuleBDD::EnregistrementPersAssociees(TEvenement* ev) {
       ChasseDuCache(l.P.Lien.No);
     }
     for (int i = 0; i < kNbPersAssocieesEven; ++i) {
-      const TPersAssociee& p = e.PersAssociees[i];
-      if (p.Vide() || utilise[i]) continue;
-      // Une citation neuve vient en dernier parmi celles de la personne citée.
-      SQLite::Statement& r = Requete("SELECT MAX(\"Rang\") FROM \"PersAssociees\" WHERE \"LienPers_No\" = ?");
-      r.bind(1, p.Lien.No);
-      long rang = 1;
-      if (r.executeStep() && !r.getColumn(0).isNull()) rang = Entier(r, 0) + 1;
-      r.tryReset();
-      SQLite::Statement& u = Requete(
-          "INSERT INTO \"PersAssociees\" (\"ID_EVEN\", \"LienQualite\", \"LienParente\", \"LienPers_No\", "
-          "\"LienPers_NivNo\", \"Rang\") VALUES (?, ?, ?, ?, ?, ?)");
-      u.bind(1, static_cast<int64_t>(e.No));
-      u.bind(2, p.LienQualite);
-      u.bind(3, p.LienParente);
-      u.bind(4, p.Lien.No);
-      LieTexte(u, 5, niveau(p.Lien.Octet));
-      u.bind(6, static_cast<int64_t>(rang));
-      ecrites += PostInTable(u);
-      ChasseDuCache(p.Lien.No);
+      if (e.PersAssociees[i].Vide() || utilise[i]) continue;
+      ecrites += EcritPersAssociee(e, i, 0);
     }
     LignesEcrites += ecrites;
     return ecrites;
   });
+}
+
+long TModuleBDD::EcritPersAssociee(const TEvenement::TEnreg& e, int i, long idLigne) {
+  const TPersAssociee& p = e.PersAssociees[i];
+  const std::string niveau = p.Lien.Octet == 0 ? std::string() : std::string(1, static_cast<char>(p.Lien.Octet));
+  long ecrites = 0;
+  if (idLigne != 0) {
+    SQLite::Statement& u = Requete(
+        "UPDATE \"PersAssociees\" SET \"LienQualite\" = ?, \"LienParente\" = ?, \"LienPers_No\" = ?, "
+        "\"LienPers_NivNo\" = ?, \"ID_EVEN\" = ? WHERE \"ID_PERSASSOC\" = ?");
+    u.bind(1, p.LienQualite);
+    u.bind(2, p.LienParente);
+    u.bind(3, p.Lien.No);
+    LieTexte(u, 4, niveau);
+    u.bind(5, static_cast<int64_t>(e.No));
+    u.bind(6, static_cast<int64_t>(idLigne));
+    ecrites = PostInTable(u);
+  } else {
+    // Une citation neuve vient en dernier parmi celles de la personne citée.
+    SQLite::Statement& r = Requete("SELECT MAX(\"Rang\") FROM \"PersAssociees\" WHERE \"LienPers_No\" = ?");
+    r.bind(1, p.Lien.No);
+    long rang = 1;
+    if (r.executeStep() && !r.getColumn(0).isNull()) rang = Entier(r, 0) + 1;
+    r.tryReset();
+    SQLite::Statement& u = Requete(
+        "INSERT INTO \"PersAssociees\" (\"ID_EVEN\", \"LienQualite\", \"LienParente\", \"LienPers_No\", "
+        "\"LienPers_NivNo\", \"Rang\") VALUES (?, ?, ?, ?, ?, ?)");
+    u.bind(1, static_cast<int64_t>(e.No));
+    u.bind(2, p.LienQualite);
+    u.bind(3, p.LienParente);
+    u.bind(4, p.Lien.No);
+    LieTexte(u, 5, niveau);
+    u.bind(6, static_cast<int64_t>(rang));
+    ecrites = PostInTable(u);
+    ChasseDuCache(p.Lien.No);
+  }
+  return ecrites;
+}
+
+bool TModuleBDD::SetPersAssociee(TEvenement* ev, int i, bool insertion) {
+  const TEvenement::TEnreg& e = ev->Enreg;
+  if (i < 0 || i >= kNbPersAssocieesEven || e.PersAssociees[i].Vide() || e.No == 0) return false;
+  return Protege([&] {
+    long idLigne = 0;
+    if (!insertion) {
+      SQLite::Statement& q = Requete(
+          "SELECT \"ID_PERSASSOC\" FROM \"PersAssociees\" WHERE \"ID_EVEN\" = ? AND \"LienPers_No\" = ? ORDER BY "
+          "\"ID_PERSASSOC\" LIMIT 1");
+      q.bind(1, static_cast<int64_t>(e.No));
+      q.bind(2, e.PersAssociees[i].Lien.No);
+      if (q.executeStep()) idLigne = Entier(q, 0);
+      q.tryReset();
+      if (idLigne == 0) return false;
+    }
+    const long n = EcritPersAssociee(e, i, idLigne);
+    LignesEcrites += n;
+    ChasseDuCache(e.PersAssociees[i].Lien.No);
+    return n > 0;
+  });
+}
+
+void TModuleBDD::SwapPersAssociees(long a, long b) {
+  Protege([&] { Echange(*this, "PersAssociees", "ID_PERSASSOC", "Rang", a, b); });
 }
 
 // --- Citations d'une personne ---
