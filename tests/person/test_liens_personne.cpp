@@ -161,6 +161,9 @@ TEST_F(LiensTest, SuppressionGardeSesLiensEtPlusPersonneNeLaNomme) {
   EXPECT_EQ(relu.CompteNbConjoint(), 2);
   EXPECT_EQ(relu.CompteNbEnfant(), 2);
   PersonneNeLeNomme(moi);
+  // La réparation ne la rend pas à ses proches.
+  EXPECT_FALSE(Disque(moi).VerifLienSysmetrique());
+  PersonneNeLeNomme(moi);
   // Les autres liens restent : la fille garde sa mère, qui la garde.
   EXPECT_EQ(long{Disque(fille).Enreg.Mere.No}, femme1);
   EXPECT_THAT(EnfantsDe(femme1), testing::ElementsAre(fille));

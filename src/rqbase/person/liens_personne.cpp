@@ -551,6 +551,9 @@ bool TPerson::VerifLienHorsFichier() {
 }
 
 bool TPerson::VerifLienSysmetrique() {
+  // Une fiche supprimée garde ses liens pour être restaurable, et personne ne doit plus la
+  // nommer : la rendre symétrique la ferait revenir chez ses proches.
+  if (FicheSupprimee()) return false;
   bool change = false;
   auto enregistre = [&](TPerson& q) { q.Enregistrement(-3, nullptr, true, false, true, q.No() > Numero); };
   // Un lien vers soi n'a pas d'autre côté à réparer : il est effacé.
