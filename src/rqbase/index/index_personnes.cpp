@@ -133,7 +133,7 @@ void LitColonnes(SQLite::Statement& q, TIndexPerson& ip) {
 // petit-boutistes (le dernier complété de zéros), la longueur mêlée à la fin. Un mot à la fois
 // plutôt qu'un octet : le fichier d'un million de personnes se vérifie huit fois plus vite.
 uint64_t Controle(const char* p, size_t n) {
-  uint64_t h = 1469598103934665603ULL;
+  uint64_t h = 14695981039346656037ULL;
   size_t i = 0;
   for (; i + 8 <= n; i += 8) {
     uint64_t mot;
@@ -394,11 +394,15 @@ std::string TFicIndexPerson::FormeFichier(const TGestEltIndex& table, const TCon
   flux.writeLong(int32_t(controle.IdMax));
   flux.writeString(controle.IdGenea);
   std::string octets = std::move(sortie).str();
+  AjouteControle(octets);
+  return octets;
+}
+
+void TFicIndexPerson::AjouteControle(std::string& octets) {
   const uint64_t c = Controle(octets.data(), octets.size());
   char fin[8];
   std::memcpy(fin, &c, 8);
   octets.append(fin, 8);
-  return octets;
 }
 
 bool TFicIndexPerson::LitFormeFichier(const std::string& octets, TGestEltIndex& table, TControle& controle) {

@@ -132,6 +132,8 @@ class TFicIndexPerson {
   // false si les octets ne sont pas un fichier d'index entier et cohérent ; `table` est alors
   // vide. Le contrôle lu est rendu pour être confronté à la base.
   static bool LitFormeFichier(const std::string& octets, TGestEltIndex& table, TControle& controle);
+  // Ajoute aux octets leur contrôle (les 8 derniers octets d'un fichier d'index).
+  static void AjouteControle(std::string& octets);
 
   TContexteDossier* Gest() const { return Contexte; }
   // Le parcours de la table ouvert par ReinitTableIndexBis (Lecture(-1) le lit).
