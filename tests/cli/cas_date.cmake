@@ -1,18 +1,19 @@
 # Bout en bout de « rqbase date » : chaque verbe, en texte et en JSON, avec ses refus.
 # Chaque cas lance le vrai binaire et fige son code de sortie, sa sortie standard et sa
-# sortie d'erreur, au caractère près (verifie_commande.cmake).
+# sortie d'erreur, au caractère près (verifie_sortie.cmake, comme les scénarios du dossier).
 #
 # rq_cli_date(nom code sortie erreur arguments...) : `sortie` et `erreur` sont les textes
-# exacts attendus (fins de ligne comprises), écrits entre [=[ et ]=].
+# exacts attendus (fins de ligne comprises), écrits entre [=[ et ]=] ; ils vont dans des
+# fichiers à la configuration, que la ligne de commande de ctest ne déforme pas.
 function(rq_cli_date nom code sortie erreur)
-  foreach(texte sortie erreur)
-    string(REPLACE ";" "@P@" ${texte} "${${texte}}")
-    string(REPLACE "\n" "@N@" ${texte} "${${texte}}")
-  endforeach()
+  set(attendus ${CMAKE_CURRENT_BINARY_DIR}/cas_attendus/cli_date_${nom})
+  file(WRITE ${attendus}.sortie "${sortie}")
+  file(WRITE ${attendus}.erreur "${erreur}")
   string(JOIN "@A@" arguments ${ARGN})
   add_test(NAME cli_date_${nom}
-    COMMAND ${CMAKE_COMMAND} -DPROGRAMME=$<TARGET_FILE:rqbase_cli> "-DARGUMENTS=${arguments}" -DCODE=${code}
-      "-DSORTIE=${sortie}" "-DERREUR=${erreur}" -P ${CMAKE_CURRENT_LIST_DIR}/verifie_commande.cmake)
+    COMMAND ${CMAKE_COMMAND} -DPROGRAMME=$<TARGET_FILE:rqbase_cli> -DREP=${CMAKE_CURRENT_BINARY_DIR}/cas/date
+      "-DARGUMENTS=${arguments}" -DCODE=${code} -DSORTIE=${attendus}.sortie -DERREUR=${attendus}.erreur
+      -P ${CMAKE_CURRENT_LIST_DIR}/verifie_sortie.cmake)
 endfunction()
 
 # analyser : le texte normalisé, ou le code de refus (JSON : le code, et la sortie 1).
