@@ -54,6 +54,17 @@ int CleDate(const TDateRQ& date) {
   return date.CalcNbJoursAbs(true);
 }
 
+// Les deux listes de la personne, chacune chargée seule si elle manque : une liste déjà là,
+// peut-être changée et pas encore enregistrée, n'est pas relue.
+void ChargeListes(TPerson& p) {
+  if (!p.Evens() && !p.Chps()) {
+    p.LectureComplementaire();  // les deux d'une seule lecture
+    return;
+  }
+  p.LectureComplementaireChpsSimple();
+  p.LectureComplementaireEvenement();
+}
+
 TModuleBDD* BaseOuverte(const TPerson& p) {
   TContexteDossier* gest = p.Gest();
   TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
@@ -114,7 +125,7 @@ void TPerson::SupprimeLienConjoint(long& no, bool garderChamps) {
   if (no == 0) return;
   const long conjoint = no;
   // Les champs simples du couple, pris dans la liste chargée de la personne.
-  LectureComplementaire();
+  ChargeListes(*this);
   std::set<long> chpsCouple;
   if (!garderChamps && Chps())
     for (const TChpsSimpleTV& c : *Chps())
@@ -308,7 +319,7 @@ void TPerson::Suppression(bool anonymiser) {
   if (gest && gest->PeutEcrire()) {
     // Les liens vers ses événements sont pris avant que ses lignes soient cachées : les
     // personnes citées sur eux en sont détachées plus loin.
-    LectureComplementaire();
+    ChargeListes(*this);
     if (TModuleBDD* bdd = BaseOuverte(*this)) bdd->MasquerChpsOfPerson(Numero, false);
     // Les lignes cachées ne sont plus celles de la personne : ses listes sont vides.
     NouvelleFicheComplementaire();
@@ -383,7 +394,7 @@ void ClasseEnfantsSansDatesParConjoints(TLienPers* enfants, std::vector<int>& cl
 void TPerson::EnregClassementEnfConj(bool avecChamps) {
   if (Numero <= 0) return;
   // Les dates d'union sont dans les événements de la personne.
-  if (!Evens() || !Chps()) LectureComplementaire();
+  ChargeListes(*this);
   // Les enfants tassés en tête : les classements ne parcourent que ceux-là.
   const int nbEnfants = FirstNullChild();
 
