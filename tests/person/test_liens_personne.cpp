@@ -15,6 +15,7 @@
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/platform/dialogue.h"
+#include "rqbase/platform/fichier.h"
 #include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/storage/fic_pers_suppr.h"
 #include "rqbase/util/erreur.h"
@@ -470,6 +471,21 @@ TEST_F(LiensTest, FantomesAuBoutDuFichier) {
   EXPECT_EQ(relu.FicPersons()->NbPersEffective(), nb + 3);
   TPerson(relu.FicPersons(), moi).AddPersGhost(0);
   EXPECT_EQ(relu.FicPersons()->NbPersEffective(), nb + 3);
+}
+
+TEST_F(LiensTest, FantomeEcritAMoitieArreteLaSuiteEtNEstPasCompte) {
+  const long moi = Ajoute("MOI", 'M');
+  const long nb = Fic->NbPersEffective();
+  // Le premier fantôme et son en-tête passent ; le second revient court.
+  TFichierBrut::Pannes().EcritureCourteApres(2, ".prs");
+  TPerson(Fic, moi).AddPersGhost(3);
+  TFichierBrut::Pannes().Raz();
+  EXPECT_TRUE(Gest->EcritureRatee());
+  Gest.reset();
+  TGestFichier relu(Temp.Prs());
+  ASSERT_FALSE(relu.EnErreur());
+  EXPECT_EQ(relu.FicPersons()->NbPersEffective(), nb + 1);
+  EXPECT_TRUE(TPerson(relu.FicPersons(), nb + 1).FicheSupprimee());
 }
 
 TEST_F(LiensTest, DossierEnLectureSeuleRienNeChangeSurLeDisque) {
