@@ -180,6 +180,38 @@ TEST_F(LiensTest, SuppressionGardeSesLiensEtPlusPersonneNeLaNomme) {
   EXPECT_EQ(Gest->FicPersSuppr()->GetNbPersSuppr(), nbSupprAvant + 1);
 }
 
+TEST_F(LiensTest, UnePersonneSupprimeeNEstPlusCiteePuisRevientAvecSesDonnees) {
+  const long temoin = Ajoute("TEMOIN", 'M'), marie = Ajoute("MARIE", 'F');
+  long noEven = 0;
+  {
+    TPerson m(Fic, marie, true);
+    TEvenement e(Bdd);
+    e.Enreg.SetLibelle("NAISSANCE");
+    e.Enreg.NoPersA = marie;
+    TPersAssociee cite;
+    cite.Lien = TLienPers(temoin);
+    e.Enreg.PersAssocieesChargees = true;
+    e.Enreg.AjoutPersAssociee(cite);
+    ASSERT_TRUE(m.AjoutEven(&e, true, false, true));
+    noEven = e.Enreg.No;
+    m.AjoutLiensPersCitees(noEven, e.Enreg.PersAssociees);
+  }
+  auto cites = [&] {
+    TEvenement e(Bdd, noEven);
+    return e.Enreg.ChercheRgNoPersAssociee(temoin) >= 0 || e.GetPersAssociee()[0].Lien.No == temoin;
+  };
+  ASSERT_TRUE(cites());
+  ASSERT_TRUE(TPerson(Fic, temoin).IsCitee());
+  const long evenements = Bdd->GetNbEvenements();
+
+  TPerson t = Disque(temoin);
+  t.Suppression(false);
+  EXPECT_FALSE(cites());
+  EXPECT_EQ(Bdd->GetNbEvenements(), evenements);  // aucune ligne faite ni écrasée
+  TPerson(Fic, temoin).RestaurationData();
+  EXPECT_TRUE(cites());
+}
+
 TEST_F(LiensTest, UnConjointQuiResteParentEstRefuseSansRienEcrire) {
   const long moi = Ajoute("MOI", 'M'), femme = Ajoute("FEMME", 'F'), autre = Ajoute("AUTRE", 'F');
   const long fils = Ajoute("FILS", 'M');

@@ -263,7 +263,12 @@ void TPerson::SupprimeLien(bool* choix, bool inutilise1, bool inutilise2) {
       // Les événements des autres où la personne est citée.
       for (int i = 0; i < NbLiens; ++i) {
         const long noEven = LienCitation(i);
-        if (noEven == 0) continue;
+        // Un numéro négatif est une citation déjà cachée avec les lignes de la personne :
+        // RestaurationData la rendra, elle n'est pas retirée.
+        if (noEven <= 0) {
+          LienCitation(i) = 0;
+          continue;
+        }
         TEvenement ev(bdd, noEven);
         ev.GetPersAssociee();
         const int rg = ev.Enreg.ChercheRgNoPersAssociee(Numero);
