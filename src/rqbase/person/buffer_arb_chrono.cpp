@@ -13,9 +13,7 @@ namespace {
 // rafraîchissement hérités de la personne chassée (Update les lui avait recopiés).
 void Reinitialise(TPerson& p) {
   p.MajBuffer = true;
-  for (TPerson::TRappel* r : {&p.OnMajDateModif, &p.OnSupprPere, &p.OnSupprMere, &p.OnSupprConjoint,
-                              &p.OnSupprEnfant, &p.OnSupprCitation, &p.OnRappel7, &p.OnSupprEvenCouple})
-    if (*r) *r = nullptr;
+  p.OublieRappels();
 }
 
 }  // namespace
@@ -113,73 +111,110 @@ void TBufferisationArbChrono::NoteNumero(long no) {
   std::push_heap(Tas.begin(), Tas.end(), std::greater<long>());
 }
 
+int32_t TBufferisationArbChrono::Trouve(long no) {
+  if (const int32_t place = Cherche(no); place != kAbsent) return place;
+  // Plein : le plus petit numéro part, et sa place reçoit la personne lue.
+  int32_t place = Nombre >= Capacite ? ChassePlusPetit() : PlaceLibre();
+  if (place == kAbsent) {
+    Places.emplace_back();
+    place = int32_t(Places.size() - 1);
+  }
+  TEntree& e = Places[size_t(place)];
+  Libere(e);
+  // Ce que lirait TPerson(Fic, no, false, 0, false), gardé brut : une fiche que rien ne
+  // remplit (numéro 0, hors du fichier, illisible) se lit vide.
+  e.Lisible = (no > 0 || no == -2) && TPerson::LitBrut(Fic, no, e.Brut, e.Ext);
+  Insere(no, place);
+  NoteNumero(no);
+  return place;
+}
+
+void TBufferisationArbChrono::Libere(TEntree& e) {
+  e.Ext.reset();
+  e.Lisible = false;
+  e.Foireux = false;
+  if (e.Complet) Reserve.push_back(std::move(e.Complet));
+}
+
+TPerson& TBufferisationArbChrono::Complet(TEntree& e, long no) {
+  if (e.Complet) return *e.Complet;
+  if (!Reserve.empty() && Reserve.back()->Fic() == Fic) {
+    e.Complet = std::move(Reserve.back());
+    Reserve.pop_back();
+    Reinitialise(*e.Complet);
+  } else {
+    e.Complet = std::make_unique<TPerson>(Fic);
+  }
+  if (e.Lisible)
+    e.Foireux = !e.Complet->AppliqueBrut(no, e.Brut, e.Ext.get());
+  else
+    e.Complet->FicheIllisible(no);
+  return *e.Complet;
+}
+
 TPerson* TBufferisationArbChrono::GetPerson(long no, bool complement) {
   if (no < 0 && no != -2) no = 0;
-  if (const int32_t place = Cherche(no); place != kAbsent) {
-    // Place de LectureComplementaire quand le complément est demandé.
-    return Places[size_t(place)].get();
+  TEntree& e = Places[size_t(Trouve(no))];
+  TPerson& p = Complet(e, no);
+  // Comme une lecture du disque avec complément : pas de listes pour une fiche foireuse.
+  if (complement && !p.Evens() && !e.Foireux) p.LectureComplementaire();
+  return &p;
+}
+
+void TBufferisationArbChrono::LitPersonne(long no, bool complement, TPerson& cible) {
+  if (no < 0 && no != -2) no = 0;
+  TEntree& e = Places[size_t(Trouve(no))];
+  if (e.Complet || complement) {
+    cible.CopyPerson(*GetPerson(no, complement));
+    return;
   }
-  // Plein : le plus petit numéro part, et sa place reçoit la personne lue.
-  const int32_t reprise = Nombre >= Capacite ? ChassePlusPetit() : PlaceLibre();
-  TPerson* p = reprise == kAbsent ? nullptr : Places[size_t(reprise)].get();
-  try {
-    if (p && p->Fic() == Fic) {
-      Reinitialise(*p);
-      // Ce que ferait TPerson(Fic, no, complement, 0, false), dans l'objet en place.
-      if (no > 0 || no == -2)
-        p->Lecture(no, complement, 0, false);
-      else
-        p->NouvelleFiche(0);
-    } else {
-      auto neuve = std::make_unique<TPerson>(Fic, no, complement, 0, false);
-      p = neuve.get();
-      if (reprise == kAbsent)
-        Places.push_back(std::move(neuve));
-      else
-        Places[size_t(reprise)] = std::move(neuve);
-    }
-  } catch (...) {
-    // La place reprise n'est à personne : elle resservira.
-    if (reprise != kAbsent) Libres.push_back(reprise);
-    throw;
-  }
-  Insere(no, reprise == kAbsent ? int32_t(Places.size() - 1) : reprise);
-  NoteNumero(no);
-  return p;
+  // La forme publique se fait dans l'objet de l'appelant : rien d'autre n'est écrit.
+  if (e.Lisible)
+    cible.AppliqueBrut(no, e.Brut, e.Ext.get());
+  else
+    cible.FicheIllisible(no);
+  cible.OublieRappels();
 }
 
 void TBufferisationArbChrono::AjoutePersonne(TPerson* personne) {
   std::unique_ptr<TPerson> possedee(personne);
   // Voulu : c'est le plus petit numéro qui part, pas le moins récemment lu.
   if (Nombre >= Capacite)
-    if (const int32_t place = ChassePlusPetit(); place != kAbsent) Libres.push_back(place);
+    if (const int32_t place = ChassePlusPetit(); place != kAbsent) {
+      Libere(Places[size_t(place)]);
+      Libres.push_back(place);
+    }
   const long no = personne->No();
-  if (const int32_t place = Cherche(no); place != kAbsent) {
-    Places[size_t(place)] = std::move(possedee);
-    return;
-  }
-  int32_t place = PlaceLibre();
+  int32_t place = Cherche(no);
   if (place == kAbsent) {
-    Places.push_back(std::move(possedee));
-    place = int32_t(Places.size() - 1);
-  } else {
-    Places[size_t(place)] = std::move(possedee);
+    place = PlaceLibre();
+    if (place == kAbsent) {
+      Places.emplace_back();
+      place = int32_t(Places.size() - 1);
+    }
+    Insere(no, place);
+    NoteNumero(no);
   }
-  Insere(no, place);
-  NoteNumero(no);
+  TEntree& e = Places[size_t(place)];
+  Libere(e);
+  e.Complet = std::move(possedee);
 }
 
 TPerson* TBufferisationArbChrono::Update(const TPerson& personne, bool forcer) {
   if (!personne.MajBuffer && !forcer) return nullptr;
   const int32_t place = Cherche(personne.No());
   if (place == kAbsent) return nullptr;
-  TPerson* p = Places[size_t(place)].get();
-  p->CopyPerson(personne);
-  return p;
+  TEntree& e = Places[size_t(place)];
+  TPerson& p = Complet(e, personne.No());
+  p.CopyPerson(personne);
+  return &p;
 }
 
 void TBufferisationArbChrono::Delete(long no) {
-  if (const int32_t place = Retire(no); place != kAbsent) Libres.push_back(place);
+  if (const int32_t place = Retire(no); place != kAbsent) {
+    Libere(Places[size_t(place)]);
+    Libres.push_back(place);
+  }
 }
 
 void TBufferisationArbChrono::RazBuffers() {
@@ -187,6 +222,7 @@ void TBufferisationArbChrono::RazBuffers() {
   Nombre = 0;
   Places.clear();
   Libres.clear();
+  Reserve.clear();
   Tas.clear();
 }
 

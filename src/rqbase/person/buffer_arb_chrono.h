@@ -5,11 +5,19 @@
 // Le cache appartient au TFicPersons du dossier et sert le fil de ce dossier, sans verrou.
 // Une personne trouvée ne coûte aucun accès disque.
 //
-// Une absence coûte la lecture du disque et presque rien d'autre : la personne chassée
-// prête sa place (son objet) à la suivante, et l'index est une table plate, si bien qu'un
-// parcours d'un million de numéros par le cache n'alloue rien une fois le cache plein. Le
-// pointeur rendu par GetPerson ou Update désigne la personne tant qu'elle reste dans le
-// cache ; chassée, sa place sert à une autre.
+// Deux formes en cache. Une personne seulement lue y tient par son enregistrement brut (644
+// octets, et son débordement s'il en a un) : c'est la forme d'un parcours, qui ne coûte que
+// la lecture du disque et l'écriture de ces octets, et la mise en forme publique se fait
+// directement dans l'objet de l'appelant (LitPersonne) ; la forme publique entière d'une
+// personne tient trois fois plus de place, et un parcours d'un million de numéros passerait
+// son temps à l'écrire dans une mémoire froide. Une personne demandée par pointeur
+// (GetPerson), avec ses listes, ou recopiée par Update tient par un TPerson entier, qui
+// l'emporte alors sur le brut.
+//
+// La personne chassée prête sa place à la suivante et l'index est une table plate : un
+// parcours par le cache n'alloue rien une fois le cache plein. Le pointeur rendu par
+// GetPerson ou Update désigne la personne tant qu'elle reste dans le cache ; chassée, son
+// objet sert à une autre.
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -30,6 +38,9 @@ class TBufferisationArbChrono : public TCachePersonnes {
   // La personne en cache, ou lue du disque (sans cache) et ajoutée. Un numéro négatif
   // autre que -2 vaut 0.
   TPerson* GetPerson(long no, bool complement) override;
+  // La même personne recopiée dans `cible` (numéro, fiche, listes, rappels), sans passer par
+  // un objet entier du cache quand elle n'y est que brute.
+  void LitPersonne(long no, bool complement, TPerson& cible) override;
   // Plein : le plus petit numéro part d'abord. Le cache prend possession de `personne` ;
   // un double du même numéro est remplacé.
   void AjoutePersonne(TPerson* personne);
@@ -58,8 +69,22 @@ class TBufferisationArbChrono : public TCachePersonnes {
   int32_t Retire(long no);
   // Retire le plus petit numéro présent ; rend sa place (la personne y reste, pour resservir).
   int32_t ChassePlusPetit();
-  // Une place libre (objet vide) ou kAbsent s'il faut en créer une.
+  // Une place libre ou kAbsent s'il faut en créer une.
   int32_t PlaceLibre();
+  // Une entrée du cache : le brut tel que lu, et la personne entière quand elle existe.
+  struct TEntree {
+    TPerson::TEnreg Brut{};
+    std::unique_ptr<TExtPerson::TEnreg> Ext;
+    std::unique_ptr<TPerson> Complet;
+    bool Lisible = false;  // le brut a été lu (sinon la fiche se lit vide)
+    bool Foireux = false;  // le brut s'est lu comme une fiche foireuse
+  };
+  // La place du numéro, lue du disque (brute) et ajoutée s'il est absent.
+  int32_t Trouve(long no);
+  // La personne entière de l'entrée, faite du brut au besoin.
+  TPerson& Complet(TEntree& e, long no);
+  // Rend l'objet entier d'une entrée qui quitte le cache, pour resservir.
+  void Libere(TEntree& e);
   // Note `no` dans le tas des numéros (refait quand les numéros oubliés l'encombrent).
   void NoteNumero(long no);
 
@@ -68,8 +93,9 @@ class TBufferisationArbChrono : public TCachePersonnes {
   size_t Nombre = 0;
   std::vector<TCase> Index;  // taille : puissance de deux, au moins deux fois la capacité
   int Bits = 0;              // log2(taille de l'index)
-  std::vector<std::unique_ptr<TPerson>> Places;
-  std::vector<int32_t> Libres;  // places rendues par Delete, prêtes à resservir
+  std::vector<TEntree> Places;
+  std::vector<int32_t> Libres;                    // places rendues par Delete, prêtes à resservir
+  std::vector<std::unique_ptr<TPerson>> Reserve;  // objets entiers rendus, prêts à resservir
   // Tas (le plus petit en tête) des numéros ajoutés. Un numéro oublié (Delete) y reste
   // jusqu'à ce qu'il remonte en tête : il est alors passé. Tout numéro présent y est.
   std::vector<long> Tas;

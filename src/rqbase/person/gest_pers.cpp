@@ -123,10 +123,9 @@ void TPerson::NouvelleFiche(long no) {
 void TPerson::Lecture(long no, bool complement, int typeLecture, bool viaBuffer) {
   if (no != -3) Numero = no;
   if (viaBuffer && Numero != 0 && Numero != -2 && Fichier) {
-    const TPerson* cachee = TBufferisationArbChrono::De(*Fichier).GetPerson(Numero, complement && typeLecture == 0);
     // Le drapeau de rafraîchissement est celui de l'appelant : seule la fiche vient du cache.
     const bool majBuffer = MajBuffer;
-    CopyPerson(*cachee);
+    TBufferisationArbChrono::De(*Fichier).LitPersonne(Numero, complement && typeLecture == 0, *this);
     MajBuffer = majBuffer;
     if (complement && typeLecture != 0) LectureComplementaireEvenement(1);
   } else {
@@ -136,29 +135,60 @@ void TPerson::Lecture(long no, bool complement, int typeLecture, bool viaBuffer)
   Numeros.clear();
 }
 
-void TPerson::LectureDisque(bool complement) {
-  // Vide la fiche sans toucher au numéro (un -3 ne doit pas en prendre un neuf ici).
-  LibereMemoire();
-  Enreg.Raz();
-  TContexteDossier* gest = Gest();
-  if (!gest || Numero == 0 || Numero > Fichier->NbPersEffective() || gest->EnErreur()) return;
-  TEnreg enreg;
-  if (!Fichier->LitEnreg(Numero, enreg)) {
+bool TPerson::LitBrut(TFicPersons* fic, long no, TEnreg& brut, std::unique_ptr<TExtPerson::TEnreg>& ext) {
+  ext.reset();
+  TContexteDossier* gest = fic ? fic->Gest() : nullptr;
+  if (!gest || no == 0 || no > fic->NbPersEffective() || gest->EnErreur()) return false;
+  if (!fic->LitEnreg(no, brut)) {
     if (gest->EnErreur()) gest->FixeGenreErreur(1);
-    return;
+    return false;
   }
-  if (Numero != -2 && Numero != -3 && EnregFoireux(enreg)) {
-    Enreg.Supprime = 'O';
-    return;
-  }
-  TransfertVersPublic(enreg, false);
   TFicExtPersons* ficExt = gest->FicExtPersons();
   // Un numéro de débordement hors du fichier .exp est une donnée abîmée : on ne le suit pas.
-  if (Enreg.Extension != 0 && ficExt && Enreg.Extension >= 1 && Enreg.Extension <= ficExt->NbEnreg()) {
-    TExtPerson ext(ficExt, Enreg.Extension);
-    TransfertVersPublic(ext.Enreg, false);
+  if (brut.Extension >= 1 && ficExt && brut.Extension <= ficExt->NbEnreg()) {
+    TExtPerson e(ficExt, brut.Extension);
+    ext = std::make_unique<TExtPerson::TEnreg>(e.Enreg);
   }
-  if (complement) LectureComplementaire();
+  return true;
+}
+
+bool TPerson::AppliqueBrut(long no, const TEnreg& brut, const TExtPerson::TEnreg* ext) {
+  Numero = no;
+  LibereMemoire();
+  Enreg.Raz();
+  if (no != -2 && no != -3 && EnregFoireux(brut)) {
+    Enreg.Supprime = 'O';
+    return false;
+  }
+  TransfertVersPublic(brut, false);
+  if (ext) TransfertVersPublic(*ext, false);
+  return true;
+}
+
+void TPerson::FicheIllisible(long no) {
+  Numero = no;
+  LibereMemoire();
+  Enreg.Raz();
+  Numeros.clear();
+  OublieRappels();
+}
+
+void TPerson::OublieRappels() {
+  for (TRappel* r : {&OnMajDateModif, &OnSupprPere, &OnSupprMere, &OnSupprConjoint, &OnSupprEnfant, &OnSupprCitation,
+                     &OnRappel7, &OnSupprEvenCouple})
+    if (*r) *r = nullptr;
+}
+
+void TPerson::LectureDisque(bool complement) {
+  // Vide la fiche sans toucher au numéro (un -3 ne doit pas en prendre un neuf ici).
+  TEnreg brut;
+  std::unique_ptr<TExtPerson::TEnreg> ext;
+  if (!LitBrut(Fichier, Numero, brut, ext)) {
+    LibereMemoire();
+    Enreg.Raz();
+    return;
+  }
+  if (AppliqueBrut(Numero, brut, ext.get()) && complement) LectureComplementaire();
 }
 
 bool TPerson::EnregFoireux(const TEnreg& enreg) const {

@@ -124,6 +124,17 @@ class TPerson {
   TListesChps& ListesChps() { return Listes; }
   void CopyChamps(const TPerson& autre);
 
+  // La lecture du disque en deux temps, pour le cache : l'enregistrement tel qu'il est sur le
+  // disque et son débordement (nul s'il n'en a pas ou si son numéro est hors du fichier .exp),
+  // puis sa mise en forme dans l'objet, qui prend le numéro `no`. LitBrut rend false quand il
+  // n'y a rien à lire (numéro 0 ou hors du fichier, dossier en erreur, lecture ratée) ;
+  // AppliqueBrut rend false pour un enregistrement foireux (lu comme une fiche supprimée vide).
+  static bool LitBrut(TFicPersons* fic, long no, TEnreg& brut, std::unique_ptr<TExtPerson::TEnreg>& ext);
+  bool AppliqueBrut(long no, const TEnreg& brut, const TExtPerson::TEnreg* ext);
+  // Une fiche vide du numéro `no`, sans rappels : ce que donne un enregistrement illisible.
+  void FicheIllisible(long no);
+  void OublieRappels();
+
   // Juge un enregistrement qui vient d'être lu : vrai s'il est foireux.
   bool EnregFoireux(const TEnreg& enreg) const;
   void TransfertVersPublic(const TEnreg& enreg, bool force = false);

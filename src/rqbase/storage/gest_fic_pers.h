@@ -121,6 +121,8 @@ class TCachePersonnes {
   virtual void Delete(long no) = 0;
   // La personne en cache, ou lue et ajoutée (voir TBufferisationArbChrono::GetPerson).
   virtual TPerson* GetPerson(long no, bool complement) = 0;
+  // La même personne recopiée dans `cible`, sans objet intermédiaire quand c'est possible.
+  virtual void LitPersonne(long no, bool complement, TPerson& cible) = 0;
   // Recopie `personne` sur son double en cache ; nul si absente ou si le drapeau l'interdit.
   virtual TPerson* Update(const TPerson& personne, bool forcer) = 0;
 };
