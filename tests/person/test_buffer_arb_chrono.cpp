@@ -186,5 +186,49 @@ TEST_F(CacheTest, NumerosEparsLusDansLOrdreLesPlusGrandsRestent) {
   EXPECT_EQ(p->No(), numeros.back());
 }
 
+TEST_F(CacheTest, FormeBruteEtFormeEntiereSeLisentCommeLeDisque) {
+  TBufferisationArbChrono cache(Fic, 4);
+  // Brute : la lecture par le cache donne la fiche du disque, sans les rappels de l'appelant.
+  TPerson lu(Fic);
+  lu.OnSupprPere = [](TPerson&) {};
+  cache.LitPersonne(3, false, lu);
+  const TPerson disque(Fic, 3);
+  EXPECT_EQ(lu.No(), 3);
+  EXPECT_STREQ(lu.Enreg.Nom, disque.Enreg.Nom);
+  EXPECT_FALSE(lu.OnSupprPere);
+  EXPECT_EQ(lu.Evens(), nullptr);
+  // Le disque change sans passer par le cache : la copie en cache reste celle lue (comme un
+  // TPerson en cache l'aurait fait), jusqu'à Update qui la remplace par la forme entière.
+  TPerson change(Fic, 3);
+  change.SetNom("CHANGE");
+  change.MajBuffer = false;
+  change.Enregistrement();
+  cache.LitPersonne(3, false, lu);
+  EXPECT_STREQ(lu.Enreg.Nom, "NOM3");
+  ASSERT_NE(cache.Update(change, true), nullptr);
+  cache.LitPersonne(3, false, lu);
+  EXPECT_STREQ(lu.Enreg.Nom, "CHANGE");
+  EXPECT_EQ(cache.GetPerson(3, false), cache.GetPerson(3, false));
+  // Au-delà du fichier ou illisible : une fiche vide du numéro demandé.
+  cache.LitPersonne(99, false, lu);
+  EXPECT_EQ(lu.No(), 99);
+  EXPECT_STREQ(lu.Enreg.Nom, "");
+  // Avec complément : les listes viennent avec la personne, et restent en cache.
+  cache.LitPersonne(2, true, lu);
+  ASSERT_NE(lu.Evens(), nullptr);
+  EXPECT_NE(cache.GetPerson(2, false)->Evens(), nullptr);
+  // Une fiche foireuse sur le disque se lit supprimée et vide par les deux chemins.
+  TEnregPersonne brut{};
+  ASSERT_TRUE(Fic->LitEnreg(4, brut));
+  brut.Pere.No = 1000;
+  Fic->EcritEnreg(4, brut);
+  TBufferisationArbChrono neuf(Fic, 4);
+  neuf.LitPersonne(4, true, lu);
+  EXPECT_TRUE(lu.FicheSupprimee());
+  EXPECT_STREQ(lu.Enreg.Nom, "");
+  EXPECT_EQ(lu.Evens(), nullptr);
+  EXPECT_TRUE(TPerson(Fic, 4).FicheSupprimee());
+}
+
 }  // namespace
 }  // namespace rqbase
