@@ -197,14 +197,17 @@ class TPerson {
   // ===== Opérations qui passent par les autres personnes (liens_personne.cpp) =====
   // `choix` nul : tout, la personne étant supprimée (ses propres liens restent dans sa fiche).
   // Sinon choix[0] père, choix[1] mère, choix[2 + i] conjoint i, choix[2 + nbConjoints + i]
-  // enfant i.
+  // enfant i ; retirer un conjoint qui reste l'autre parent d'un enfant gardé lève ERqBase
+  // avant toute écriture. La personne est enregistrée à la fin.
   void SupprimeLien(bool* choix = nullptr, bool inutilise1 = false, bool inutilise2 = false);
   void SupprimeLienParent(bool pere);
-  // Sur l'enfant, avec le numéro d'un parent ; `no` revient à 0.
+  // Les trois briques suivantes changent et enregistrent l'autre personne, et remettent `no`
+  // à 0 ; la personne sur laquelle elles tournent n'est ni tassée ni enregistrée.
+  // Sur l'enfant, avec le numéro d'un parent.
   void SupprimeLienEnfant(long& no);
-  // Sur la personne, avec le numéro d'un conjoint ; `no` revient à 0.
+  // Sur la personne, avec le numéro d'un conjoint.
   void SupprimeLienConjoint(long& no, bool garderChamps = false);
-  // Sur un parent, avec le numéro d'un enfant ; `no` revient à 0.
+  // Sur un parent, avec le numéro d'un enfant.
   void SupprimeLienPereMere(long& no, bool inutilise = false);
   void Suppression(bool anonymiser);
   void RestaurationData();
@@ -218,7 +221,8 @@ class TPerson {
   bool InverserPereEtMereDesEnfants(std::set<long>* faits);
   void InverserSexeConjoints(std::set<long>* faits, std::set<long>* enfants);
   // Réparations : vrai si quelque chose a changé (VerifLienSysmetrique : les liens de la
-  // personne elle-même).
+  // personne elle-même, qu'elles n'enregistrent pas). VerifLienSysmetrique ne fait rien sur
+  // une fiche supprimée : elle la remettrait chez ses proches.
   bool VerifLienHorsFichier();
   bool VerifLienSysmetrique();
   // Ajoute `n` copies supprimées de la fiche au bout du fichier des personnes.
