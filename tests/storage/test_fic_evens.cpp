@@ -77,7 +77,7 @@ class FacadesAnciennes : public testing::Test {
     evx += TOctets(420)
                .Entier(0, 1)
                .Texte(4, "Fils de Jean")
-               .Entier(108, 13)  // cinquième personne citée
+               .Entier(108, 13)            // cinquième personne citée
                .Entier(108 + 15 * 16, 14)  // vingtième
                .Entier(364, 23)            // troisième illustration
                .Entier(392, 30)            // dixième

@@ -226,7 +226,7 @@ void TEltDupChn::Lit(const char* p, long taille) {
   const struct {
     char* Champ;
     size_t Taille;
-  } champs[] = {{Ville, sizeof Ville}, {Code, sizeof Code}, {Pays, sizeof Pays},
+  } champs[] = {{Ville, sizeof Ville},       {Code, sizeof Code},       {Pays, sizeof Pays},
                 {VilleMaj, sizeof VilleMaj}, {CodeMaj, sizeof CodeMaj}, {PaysMaj, sizeof PaysMaj}};
   for (const auto& c : champs) {
     // Sans passer par une chaîne : le tri et l'ouverture relisent des millions d'éléments.
@@ -334,7 +334,9 @@ TFicDupli::TFicDupli(TContexteDossier* gest, TTypeFichier type, bool creation)
   // résultat que Lecture de chaque numéro dans l'ordre du fichier, sans un appel système chacun.
   std::vector<TEnregDupli> enregs(static_cast<size_t>(Nombre));
   const int64_t octets = static_cast<int64_t>(enregs.size() * sizeof(TEnregDupli));
-  const int64_t lus = Handle && octets > 0 && !gest->EnErreur() ? Handle->LitA(sizeof(TEnregDupli), enregs.data(), static_cast<size_t>(octets)) : 0;
+  const int64_t lus = Handle && octets > 0 && !gest->EnErreur()
+                          ? Handle->LitA(sizeof(TEnregDupli), enregs.data(), static_cast<size_t>(octets))
+                          : 0;
   TEltDupChn elt;
   for (long no = 1; no <= Nombre; ++no) {
     const TEnregDupli& e = enregs[static_cast<size_t>(no - 1)];
@@ -355,7 +357,9 @@ TFicDupli::TFicDupli(TContexteDossier* gest, TTypeFichier type, bool creation)
 
 TFicDupli::~TFicDupli() = default;
 
-void TFicDupli::CreationTable() { TableElts = std::make_unique<TTableTV>(Nombre + 10, 500, 80); }
+void TFicDupli::CreationTable() {
+  TableElts = std::make_unique<TTableTV>(Nombre + 10, 500, 80);
+}
 
 void TFicDupli::EcritureEntete() {
   TEnregDupli e{};
@@ -379,7 +383,9 @@ void TFicDupli::LectureEntete() {
   NombreSurDisque = Nombre;
 }
 
-bool TFicDupli::EcritDupli(long numero, const TEnregDupli& enreg) { return EcritEnreg(numero, &enreg, kErreurEnreg); }
+bool TFicDupli::EcritDupli(long numero, const TEnregDupli& enreg) {
+  return EcritEnreg(numero, &enreg, kErreurEnreg);
+}
 
 long TFicDupli::Cherche(TEltDupChn* element, bool creation, int* position) {
   TEltDupChn travail;

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "rqbase/platform/cp1252.h"
 #include "rqbase/storage/contexte_dossier.h"
 #include "rqbase/storage/datamodulebdd.h"
-#include "rqbase/platform/cp1252.h"
 #include "rqbase/util/chaines.h"
 #include "rqbase/util/fichiers.h"
 

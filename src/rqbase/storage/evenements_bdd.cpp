@@ -767,8 +767,8 @@ long TModuleBDD::EnregistrerChpsDePersonne(long no, const std::vector<TEvenement
 namespace {
 
 // `sortes` : la clause qui choisit les événements, les champs simples, ou les deux.
-std::unique_ptr<SQLite::Statement> OuvreParcours(SQLite::Database& base, const char* sortes,
-                                                 const std::string& libelle, long noPers) {
+std::unique_ptr<SQLite::Statement> OuvreParcours(SQLite::Database& base, const char* sortes, const std::string& libelle,
+                                                 long noPers) {
   std::string sql = Select(sortes);
   if (!libelle.empty()) sql += " AND \"LibelleChamps\" = :lib";
   if (noPers != 0) sql += " AND (\"NoPersA\" = :no OR \"NoPersB\" = :no)";
@@ -981,10 +981,10 @@ long TModuleBDD::ModifChampsAvecLeLibelle(const std::string& libelle, const std:
   const std::string nouveau = Trim(nouveauLibelle).empty() ? ancien : Coupe(Trim(nouveauLibelle), kLgLibelle);
   return Protege([&] {
     // Seules les lignes qui changent sont écrites (et comptées).
-    SQLite::Statement& q =
-        Requete(type < 0 ? "UPDATE \"Evenements\" SET \"LibelleChamps\" = ?1 WHERE \"LibelleChamps\" = ?2 AND ?1 <> ?2"
-                         : "UPDATE \"Evenements\" SET \"LibelleChamps\" = ?1, \"Type\" = ?3 WHERE \"LibelleChamps\" = ?2 "
-                           "AND (?1 <> ?2 OR \"Type\" IS NOT ?3)");
+    SQLite::Statement& q = Requete(
+        type < 0 ? "UPDATE \"Evenements\" SET \"LibelleChamps\" = ?1 WHERE \"LibelleChamps\" = ?2 AND ?1 <> ?2"
+                 : "UPDATE \"Evenements\" SET \"LibelleChamps\" = ?1, \"Type\" = ?3 WHERE \"LibelleChamps\" = ?2 "
+                   "AND (?1 <> ?2 OR \"Type\" IS NOT ?3)");
     LieTexte(q, 1, nouveau);
     LieTexte(q, 2, ancien);
     if (type >= 0) q.bind(3, type);

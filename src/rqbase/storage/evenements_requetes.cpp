@@ -171,9 +171,8 @@ void TModuleBDD::ChargerPersDDMF(std::vector<std::pair<long, std::string>>& pers
     q.tryReset();
   });
   // Le texte "jj/mm/aaaa hh:nn:ss" ne se range pas comme une date : il est converti.
-  std::stable_sort(personnes.begin(), personnes.end(), [](const auto& a, const auto& b) {
-    return StrVersDateTime(a.second) > StrVersDateTime(b.second);
-  });
+  std::stable_sort(personnes.begin(), personnes.end(),
+                   [](const auto& a, const auto& b) { return StrVersDateTime(a.second) > StrVersDateTime(b.second); });
 }
 
 void TModuleBDD::ConversionRangCitation(long no) {
