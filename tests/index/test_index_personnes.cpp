@@ -250,6 +250,23 @@ TEST_F(IndexTest, FormeSerialiseeDUneLigne) {
   attendu.Sexe = 0;  // un sexe blanc s'écrit et se relit 0
   EXPECT_TRUE(relu.Enreg.MemesColonnes(attendu));
   EXPECT_EQ(relu.EltCmp(elt), 0);
+  // L'ordre : le nom puis le prénom décident le plus souvent ; un octet 1 dans un nom abîmé
+  // se compare comme dans la clé entière.
+  TEnregIndex x, y;
+  x.SetNom("DUPON");
+  x.SetPrenom("ZOE");
+  y.SetNom("DUPONT");
+  y.SetPrenom("ANNE");
+  EXPECT_LT(CompareLignesIndex(x, y), 0);
+  EXPECT_GT(CompareLignesIndex(y, x), 0);
+  x.SetNom("A\x01" "B");
+  y.SetNom("A");
+  y.SetPrenom("C");
+  EXPECT_LT(CompareLignesIndex(x, y), 0);  // "A 1 B 1 ..." contre "A 1 C ..."
+  y = x;
+  y.NoPers = 12;
+  x.NoPers = 9;
+  EXPECT_LT(CompareLignesIndex(y, x), 0);  // numéros en texte : "12" avant "9"
   // Plus longue forme : 69 octets. Relue coupée, elle reste bornée.
   TEnregIndex l;
   l.SetNom(std::string(20, 'A'));

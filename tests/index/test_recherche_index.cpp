@@ -104,6 +104,7 @@ TEST_F(RechercheTest, TextePlieParticulesNomsMultiplesEtMasques) {
   EXPECT_EQ(Nom("D*R*"), std::vector<long>{dupont});
   EXPECT_EQ(Nom("*").size(), 5u);  // tout le monde
   EXPECT_EQ(Nom("***").size(), 5u);
+  EXPECT_EQ(Nom("***", "", true).size(), 5u);
   EXPECT_TRUE(Nom("DUPONTS").empty());
   // Valeurs spéciales.
   EXPECT_EQ(Nom("ZPASZDEZNOM", "Marie"), std::vector<long>{sansNom});
@@ -111,6 +112,15 @@ TEST_F(RechercheTest, TextePlieParticulesNomsMultiplesEtMasques) {
   // Soundex : DUPOND (D153) rattrape DUPONT, pas sans soundex.
   EXPECT_TRUE(Nom("Dupond").empty());
   EXPECT_EQ(Nom("Dupond", "", true), std::vector<long>{dupont});
+  // La liste des soundex, faite à la première recherche au son, suit les modifications.
+  const long dupond = Ajoute("Dupond", "Luc");
+  EXPECT_EQ(Nom("Dupond", "", true), (std::vector<long>{dupond, dupont}));
+  TPerson renomme(Fic, dupond);
+  renomme.SetNom("Tupont");
+  renomme.Enregistrement();
+  Index->ModifClef(&renomme, true);
+  EXPECT_EQ(Nom("Dupond", "", true), std::vector<long>{dupont});
+  EXPECT_EQ(Nom("Tupond", "", true), std::vector<long>{dupond});
   TGestEltIndex::TRechSimple rs;
   rs.Prenoms = "Pol";
   rs.SoundexPrenom = true;

@@ -407,6 +407,7 @@ void TFicIndexPerson::AjouteControle(std::string& octets) {
 
 bool TFicIndexPerson::LitFormeFichier(const std::string& octets, TGestEltIndex& table, TControle& controle) {
   table.Raz();
+  table.InvalideSoundex();
   controle = TControle();
   if (octets.size() < 8 + 4) return false;
   const size_t n = octets.size() - 8;
@@ -631,6 +632,7 @@ void TFicIndexPerson::ModifClef(TPerson* p, bool inutilise) {
         break;
     }
   }
+  if (table && !ops.empty()) table->InvalideSoundex();
   std::fill(std::begin(p->Enreg.Index), std::end(p->Enreg.Index), 0);
   for (size_t i = 0; i < ids.size() && i < 10; ++i) p->Enreg.Index[i] = int32_t(ids[i]);
 }

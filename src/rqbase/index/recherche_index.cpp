@@ -112,6 +112,13 @@ std::string FormatCritere(const std::string& critere) {
   return r;
 }
 
+// Les 4 caractères d'un soundex dans un entier (égalité seulement).
+uint32_t CodeSoundex(const char* s) {
+  uint32_t c = 0;
+  for (int i = 0; i < 4 && s[i]; ++i) c |= uint32_t(uint8_t(s[i])) << (8 * i);
+  return c;
+}
+
 bool CommencePar(const char* texte, const std::string& debut) {
   return std::strncmp(texte, debut.c_str(), debut.size()) == 0;
 }
@@ -193,6 +200,9 @@ long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::stri
     progression->Position(0);
   }
   std::map<long, long> trouves;  // personne -> rang de sa première ligne
+  // Un seul couple de critères parcourt la table dans l'ordre : la limite atteinte, la suite
+  // ne peut venir qu'après, et le parcours s'arrête là.
+  ArretA = lesNoms.size() * lesPrenoms.size() == 1 ? rs.Limite : 0;
   for (const std::string& nom : lesNoms) {
     for (const std::string& prenom : lesPrenoms) {
       if (GetAbandon() || (progression && progression->Abandon())) break;
@@ -200,6 +210,7 @@ long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::stri
       if (progression) progression->Avance();
     }
   }
+  ArretA = 0;
 
   std::vector<std::pair<long, long>> ordre;  // (rang, personne)
   ordre.reserve(trouves.size());
@@ -244,10 +255,35 @@ void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, std::map<lon
     if (tranche) debut = PremierRangNom(prefixe);
   }
 
+  // Au son, sans masque : seules les lignes de même soundex, et celles du nom exact, peuvent
+  // répondre.
+  std::vector<long> candidats;
+  const bool parSoundex = rs.SoundexNom && !cNom.Vide && !cNom.SansValeur && cNom.Soundex[0] != 0 &&
+                          cNom.Texte.find('*') == std::string::npos;
+  if (parSoundex) {
+    PrepareSoundex();
+    const uint64_t code = uint64_t(CodeSoundex(cNom.Soundex)) << 32;
+    for (auto it = std::lower_bound(ParSoundex.begin(), ParSoundex.end(), code);
+         it != ParSoundex.end() && (*it & 0xFFFFFFFF00000000ULL) == code; ++it)
+      candidats.push_back(long(*it & 0xFFFFFFFFULL));
+    TEltIndex e;
+    for (long r = PremierRangNom(cNom.Texte); r < GetNbElt(); ++r) {
+      Lit(r, e);
+      if (cNom.Texte != e.Enreg.Nom) break;
+      candidats.push_back(r);
+    }
+    std::sort(candidats.begin(), candidats.end());
+    candidats.erase(std::unique(candidats.begin(), candidats.end()), candidats.end());
+    debut = 0;
+    fin = long(candidats.size());
+  }
+
   std::unordered_map<long, bool> jugees;  // personnes déjà jugées sur leurs critères propres
   TEltIndex elt;
-  for (long rang = debut; rang < fin; ++rang) {
-    if ((rang & 1023) == 0 && GetAbandon()) return;
+  for (long i = debut; i < fin; ++i) {
+    if ((i & 1023) == 0 && GetAbandon()) return;
+    const long rang = parSoundex ? candidats[size_t(i)] : i;
+    if (rang >= GetNbElt()) continue;
     Lit(rang, elt);
     const TEnregIndex& e = elt.Enreg;
     if (tranche) {
@@ -264,7 +300,10 @@ void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, std::map<lon
     }
     auto [place, neuve] = jugees.try_emplace(no, false);
     if (neuve) place->second = CriterePersonne(rs, no);
-    if (place->second) trouves.emplace(no, rang);
+    if (place->second) {
+      trouves.emplace(no, rang);
+      if (ArretA > 0 && long(trouves.size()) >= ArretA) return;
+    }
   }
 }
 
@@ -413,6 +452,20 @@ bool TGestEltIndex::IsExcluParentsRecursif(int profondeur, long no, const TRechS
   return false;
 }
 
+void TGestEltIndex::PrepareSoundex() {
+  if (SoundexNb == GetNbElt() && SoundexUtilise == TailleUtilisee()) return;
+  ParSoundex.clear();
+  ParSoundex.reserve(size_t(GetNbElt()));
+  TEltIndex e;
+  for (long r = 0; r < GetNbElt(); ++r) {
+    Lit(r, e);
+    ParSoundex.push_back((uint64_t(CodeSoundex(e.Enreg.NomSoundex)) << 32) | uint64_t(uint32_t(r)));
+  }
+  std::sort(ParSoundex.begin(), ParSoundex.end());
+  SoundexNb = GetNbElt();
+  SoundexUtilise = TailleUtilisee();
+}
+
 // --- Listes de valeurs ---
 
 long TGestEltIndex::PremierRangNom(const std::string& nom) const {
@@ -512,6 +565,7 @@ long TGestEltIndex::SupprimeClefPersNo(long no) {
   TEltIndex travail;
   // Du dernier au premier : les rangs d'avant ne bougent pas.
   for (auto it = rangs.rbegin(); it != rangs.rend(); ++it) Supprime(*it, travail);
+  InvalideSoundex();
   return long(rangs.size());
 }
 

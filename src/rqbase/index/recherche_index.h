@@ -139,11 +139,26 @@ class TGestEltIndex : public TTableTV {
   // Premier rang dont le nom est >= `nom` (bissection sur le seul nom).
   long PremierRangNom(const std::string& nom) const;
 
+  // La recherche au son d'un nom sans masque passe par une liste des rangs classés par soundex
+  // du nom, faite à la première recherche de ce genre. Toute modification de la table la rend
+  // caduque : celles de TFicIndexPerson et de cette classe l'oublient d'elles-mêmes ; qui change
+  // la table par les fonctions de TTableTV appelle InvalideSoundex (un changement du nombre
+  // d'éléments ou des octets utilisés est vu de toute façon). Une liste en retard ne peut que
+  // manquer des lignes : chaque ligne qu'elle donne est relue et jugée.
+  void InvalideSoundex() {
+    ParSoundex.clear();
+    SoundexNb = SoundexUtilise = -1;
+  }
+
  private:
   bool PersonneValide(long no);
   bool CritereLigne(const TRechSimple& rs, const TEnregIndex& e) const;
   bool CriterePersonne(const TRechSimple& rs, long no);
+  void PrepareSoundex();
   std::atomic<bool> Abandon{false};
+  std::vector<uint64_t> ParSoundex;  // (code du soundex << 32) | rang, trié
+  long SoundexNb = -1, SoundexUtilise = -1;
+  long ArretA = 0;  // nombre de personnes après lequel le parcours en cours s'arrête
 };
 
 }  // namespace rqbase
