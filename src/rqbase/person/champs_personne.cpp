@@ -95,12 +95,12 @@ void TPerson::LectureComplementaire(int filtreAnnee, bool recharger, bool b) {
     LectureComplementaireEvenement(filtreAnnee, recharger, b);
     return;
   }
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
+  TModuleBDD* bdd = BaseOuverte();
   if (Listes.Evens && Listes.Chps && Enreg.EvenLoaded && Enreg.ChpsSimpleLoaded) {
     if (recharger && bdd) RechargerTableEvenementTV(*bdd, *this, Listes, filtreAnnee);
     return;
   }
-  if (bdd && bdd->EstOuverte()) {
+  if (bdd) {
     ChargerLienChpsOfPerson(*bdd, *this, Listes, filtreAnnee);
   } else {
     // Sans base (fichier nu, dossier fermé) : deux listes vides, les liens tels qu'ils sont.
@@ -114,9 +114,8 @@ namespace {
 // Charge les deux listes de la base dans une copie, et n'en garde qu'une : l'autre liste de
 // la personne, peut-être changée et pas encore enregistrée, ne doit pas être écrasée.
 void ChargeUneListe(TPerson& p, TListesChps& listes, bool evenements, int filtreAnnee) {
-  TContexteDossier* gest = p.Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte()) {
+  TModuleBDD* bdd = p.BaseOuverte();
+  if (!bdd) {
     if (evenements && !listes.Evens) listes.Evens = std::make_unique<TVectorTV<TEvenementTV>>();
     if (!evenements && !listes.Chps) listes.Chps = std::make_unique<TVectorTV<TChpsSimpleTV>>();
     return;
@@ -150,6 +149,21 @@ void TPerson::LectureComplementaireEvenement(int filtreAnnee, bool recharger, bo
   ChargeUneListe(*this, Listes, true, filtreAnnee);
 }
 
+void TPerson::ChargeListes() {
+  if (!Listes.Evens && !Listes.Chps) {
+    LectureComplementaire();  // les deux d'une seule lecture
+    return;
+  }
+  LectureComplementaireChpsSimple();
+  LectureComplementaireEvenement();
+}
+
+TModuleBDD* TPerson::BaseOuverte() const {
+  TContexteDossier* gest = Gest();
+  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
+  return bdd && bdd->EstOuverte() ? bdd : nullptr;
+}
+
 void TPerson::NouvelleFicheComplementaire() {
   NouvelleFicheComplementaireChpsSimple();
   NouvelleFicheComplementaireEvenement();
@@ -172,10 +186,9 @@ int32_t& TPerson::LienChpsSimple(int i) {
 int32_t& TPerson::LienCitation(int i) {
   if (i < 0 || i >= NbLiens) return gLienNul = 0;
   if (!Enreg.CitationLoaded) {
-    TContexteDossier* gest = Gest();
-    TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
+    TModuleBDD* bdd = BaseOuverte();
     std::fill(std::begin(Enreg.LiensCitation), std::end(Enreg.LiensCitation), 0);
-    if (bdd && bdd->EstOuverte() && Numero > 0) {
+    if (bdd && Numero > 0) {
       std::vector<long> evens;
       bdd->ChargerCitationsDePersonne(Numero, evens);
       for (size_t k = 0; k < evens.size() && k < static_cast<size_t>(NbLiens); ++k)
@@ -188,9 +201,8 @@ int32_t& TPerson::LienCitation(int i) {
 
 bool TPerson::IsCitee() {
   if (Enreg.CitationLoaded) return Enreg.LiensCitation[0] != 0;
-  TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  return bdd && bdd->EstOuverte() && Numero > 0 && bdd->PersIsCitee(Numero);
+  TModuleBDD* bdd = BaseOuverte();
+  return bdd && Numero > 0 && bdd->PersIsCitee(Numero);
 }
 
 bool TPerson::TEnregPublic::AjoutLienCitation(long noEven) {
@@ -345,8 +357,7 @@ bool TPerson::AjoutEven(TEvenement* e, bool nouveau, bool surConjoint, bool enre
     Dialogue().Information(kMessageLimiteEvenements, kTitreLimite);
     return false;
   }
-  TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
+  TModuleBDD* bdd = BaseOuverte();
   if (nouveau) {
     if (e->Enreg.No <= 0 && bdd && bdd->EstOuverte()) e->Enreg.No = bdd->ReturnNewNumEven();
     if (e->Enreg.No > 0) AjouteNoTableLong(Enreg.LiensEvenement, e->Enreg.No);
@@ -373,8 +384,7 @@ bool TPerson::AjoutEven(TEvenement* e, bool nouveau, bool surConjoint, bool enre
 }
 
 long TPerson::AjoutEvenVierge(const std::string& libelle, long conjoint, TPerson* conj) {
-  TContexteDossier* gest = Gest();
-  TEvenement e(gest ? gest->ModuleBDD() : nullptr);
+  TEvenement e(BaseOuverte());
   e.Enreg.SetLibelle(libelle);
   e.Enreg.NoPersA = Numero;
   e.Enreg.NoPersB = conjoint;
@@ -383,31 +393,52 @@ long TPerson::AjoutEvenVierge(const std::string& libelle, long conjoint, TPerson
   return e.Enreg.No;
 }
 
+namespace {
+
+// Les trois changements par rang, les mêmes pour les deux listes (rang à partir de 1).
+template <typename TV, typename TEnregT>
+bool MajElt(const TPerson& p, TV& liste, int rg, const TEnregT* rec) {
+  auto* elt = liste.Lit(rg - 1);
+  if (!elt || !rec) return false;
+  elt->Enreg = *rec;
+  elt->RgUnion = p.RetourneRgConj(rec->NoConjoint(p.No()));
+  return true;
+}
+
+template <typename TV>
+bool SupprElt(TV& liste, int32_t* liens, int rg) {
+  const auto* elt = liste.Lit(rg - 1);
+  if (!elt) return false;
+  EffaceNoTableLong(liens, elt->Enreg.No);
+  TasseTableLong(liens);
+  liste.Supprime(rg - 1);
+  return true;
+}
+
+template <typename TV, typename TElt>
+bool ChangeElt(TV& liste, int rg, const TElt& e) {
+  if (!liste.Lit(rg - 1)) return false;
+  liste.Change(rg - 1, e);
+  return true;
+}
+
+}  // namespace
+
 bool TPerson::MajEvenNo(int rg, const TEvenement::TEnreg* e) {
   LectureComplementaireEvenement();
-  TEvenementTV* elt = Listes.Evens->Lit(rg - 1);
-  if (!elt || !e) return false;
-  elt->Enreg = *e;
-  elt->RgUnion = RetourneRgConj(e->NoConjoint(Numero));
-  return true;
+  return MajElt(*this, *Listes.Evens, rg, e);
 }
 
 bool TPerson::SupprEvenNo(int rg, bool enregistrer) {
   LectureComplementaireEvenement();
-  const TEvenementTV* elt = Listes.Evens->Lit(rg - 1);
-  if (!elt) return false;
-  EffaceNoTableLong(Enreg.LiensEvenement, elt->Enreg.No);
-  TasseTableLong(Enreg.LiensEvenement);
-  Listes.Evens->Supprime(rg - 1);
+  if (!SupprElt(*Listes.Evens, Enreg.LiensEvenement, rg)) return false;
   if (enregistrer) Enregistrement(-3, nullptr, false, false, true, true);
   return true;
 }
 
 bool TPerson::ChangeEvenTV(int rg, const TEvenementTV& e) {
   LectureComplementaireEvenement();
-  if (!Listes.Evens->Lit(rg - 1)) return false;
-  Listes.Evens->Change(rg - 1, e);
-  return true;
+  return ChangeElt(*Listes.Evens, rg, e);
 }
 
 void TPerson::InsertEvenTV(const TEvenementTV& e) {
@@ -418,8 +449,8 @@ void TPerson::InsertEvenTV(const TEvenementTV& e) {
 
 void TPerson::SupprimeEvenement(long no, bool surConjoint) {
   TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte() || no <= 0 || !gest->PeutEcrire()) return;
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd || no <= 0 || !gest->PeutEcrire()) return;
   TEvenement ev(bdd);
   ev.Enreg.No = no;
   if (!bdd->LectureEven(&ev)) return;
@@ -495,9 +526,8 @@ long TPerson::AjoutChpsSimpleViergeImmediatDisque(const std::string& libelle, lo
 }
 
 long TPerson::AjoutChpsSimpleImmediatDisque(TChpsSimple::TEnreg& rec, TPerson* conj, bool ecrire) {
-  TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte()) return 0;
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd) return 0;
   LectureComplementaireChpsSimple();
   if (Listes.Chps->GetNbElt() >= NbLiens) return 0;
   if (rec.No <= 0) rec.No = bdd->ReturnNewNumChpsSimple();
@@ -524,29 +554,19 @@ long TPerson::AjoutChpsSimpleImmediatDisque(TChpsSimple::TEnreg& rec, TPerson* c
 
 bool TPerson::MajChpsSimpleNo(int rg, const TChpsSimple::TEnreg* c) {
   LectureComplementaireChpsSimple();
-  TChpsSimpleTV* elt = Listes.Chps->Lit(rg - 1);
-  if (!elt || !c) return false;
-  elt->Enreg = *c;
-  elt->RgUnion = RetourneRgConj(c->NoConjoint(Numero));
-  return true;
+  return MajElt(*this, *Listes.Chps, rg, c);
 }
 
 bool TPerson::SupprChpsSimpleNo(int rg, bool enregistrer) {
   LectureComplementaireChpsSimple();
-  const TChpsSimpleTV* elt = Listes.Chps->Lit(rg - 1);
-  if (!elt) return false;
-  EffaceNoTableLong(Enreg.LiensChpsSimple, elt->Enreg.No);
-  TasseTableLong(Enreg.LiensChpsSimple);
-  Listes.Chps->Supprime(rg - 1);
+  if (!SupprElt(*Listes.Chps, Enreg.LiensChpsSimple, rg)) return false;
   if (enregistrer) Enregistrement(-3, nullptr, false, false, true, true);
   return true;
 }
 
 bool TPerson::ChangeChpsSimpleTV(int rg, const TChpsSimpleTV& c) {
   LectureComplementaireChpsSimple();
-  if (!Listes.Chps->Lit(rg - 1)) return false;
-  Listes.Chps->Change(rg - 1, c);
-  return true;
+  return ChangeElt(*Listes.Chps, rg, c);
 }
 
 void TPerson::SupprChampsMatchLibelle(const std::string& libelle) {
@@ -581,9 +601,8 @@ void Restitue(TPerson& p, TV& liste, int32_t* liens, const TEnregT& rec, int pos
 }  // namespace
 
 void TPerson::RestituerEvenNoEnreg(long no, long conjoint, int pos) {
-  TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte() || no <= 0) return;
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd || no <= 0) return;
   TEvenement ev(bdd);
   ev.Enreg.No = no;
   if (!bdd->LectureEven(&ev)) return;
@@ -598,9 +617,8 @@ void TPerson::RestituerEvenNoEnreg(long no, long conjoint, int pos) {
 }
 
 void TPerson::RestituerChpsSimpleNoEnreg(long no, long conjoint, int pos) {
-  TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte() || no <= 0) return;
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd || no <= 0) return;
   TChpsSimple chp(bdd);
   chp.Enreg.No = no;
   if (!bdd->LectureChpsSimple(&chp)) return;
@@ -774,9 +792,8 @@ int TPerson::RetEvenUnion(TEvenement::TEnreg* e, long conjoint, TChpCs** chp, bo
 
 bool TPerson::GetEvenOuEquivalent(const TEquivChpCs& equiv, TEvenement* e, bool exact) {
   if (!e) return false;
-  TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte() || Numero <= 0) return false;
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd || Numero <= 0) return false;
   if (bdd->LectureEven(equiv.LibelleChamp1, e, Numero)) return true;
   return !exact && !equiv.LibelleChamp2.empty() && bdd->LectureEven(equiv.LibelleChamp2, e, Numero);
 }
@@ -838,8 +855,7 @@ void TPerson::AjouteProfession(TChpCs* chp, const std::string& texte) {
   valeur = Trim(valeur);
   if (valeur.empty()) return;
   if (chp && chp->IsEvenement()) {
-    TContexteDossier* gest = Gest();
-    TEvenement e(gest ? gest->ModuleBDD() : nullptr);
+    TEvenement e(BaseOuverte());
     e.Enreg.SetLibelle("PROFESSION");
     e.Enreg.SetDonnee(valeur);
     e.Enreg.NoPersA = Numero;
@@ -935,8 +951,8 @@ std::string CheminRelatifImages(const TContexteDossier* gest, const std::string&
 
 bool TPerson::AddImage(const std::string& chemin) {
   TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte() || !gest->PeutEcrire() || Numero < 1) return false;
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd || !gest->PeutEcrire() || Numero < 1) return false;
   if (!CanAddEvent()) {
     Dialogue().Information(kMessageLimiteEvenements, kTitreLimite);
     return false;
@@ -955,7 +971,7 @@ bool TPerson::AddImage(const std::string& chemin) {
 
 bool TPerson::PortraitExists(const std::string& chemin) {
   TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
+  TModuleBDD* bdd = BaseOuverte();
   if (!bdd) return false;
   const std::string rel = CheminRelatifImages(gest, chemin);
   const int nb = GetNbInfoEven();
@@ -983,8 +999,8 @@ bool TPerson::AddPortrait(const std::string& chemin, bool siAbsent) {
   const int rg = NoPortrait(chemin);
   if (rg <= 0) return AddImage(chemin);
   TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte() || !gest->PeutEcrire()) return false;
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd || !gest->PeutEcrire()) return false;
   TEvenementTV* elt = Listes.Evens->Lit(rg - 1);
   if (!elt->Enreg.IllustrationsChargees) bdd->ChargerIllustrationOfEven(&elt->Enreg);
   TIllustration ill(bdd);
@@ -999,9 +1015,8 @@ bool TPerson::AddPortrait(const std::string& chemin, bool siAbsent) {
 }
 
 std::string TPerson::CheminImagePrioritaire(const std::string& libelle, const TEvenement::TEnreg* rec) {
-  TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte()) return "";
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd) return "";
   const std::string defaut = AjouteSlashSiNecessaire(DossierDonneesPartagees()) + "defaultTXT.png";
   // Le chemin à montrer pour un fichier présent : lui-même pour une image, l'image fixe sinon.
   auto montre = [&](const std::string& absolu) { return EstExtImage(absolu) ? absolu : defaut; };
@@ -1055,8 +1070,8 @@ int TPerson::RangEvenDefaut(const std::string& libelle) {
 
 bool TPerson::SetImageAsDefault(int rang, const std::string& fichier, const std::string& libelle) {
   TContexteDossier* gest = Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  if (!bdd || !bdd->EstOuverte()) return false;
+  TModuleBDD* bdd = BaseOuverte();
+  if (!bdd) return false;
   int n = 0;
   const int nb = GetNbInfoEven();
   for (int i = 0; i < nb; ++i) {

@@ -48,17 +48,6 @@ void PoseChamp(TPerson& p, const char* libelle, const std::string& valeur) {
   p.AjoutChpsSimple(&c, 0);
 }
 
-// Les deux listes de la personne, chacune chargée seule si elle manque : une liste déjà là,
-// peut-être changée et pas encore enregistrée, n'est pas relue.
-void ChargeListes(TPerson& p) {
-  if (!p.Evens() && !p.Chps()) {
-    p.LectureComplementaire();  // les deux d'une seule lecture
-    return;
-  }
-  p.LectureComplementaireChpsSimple();
-  p.LectureComplementaireEvenement();
-}
-
 // La source des nombres tirés pour les identifiants : amorcée une fois par processus.
 std::mt19937& Hasard() {
   static std::mt19937 generateur{std::random_device{}()};
@@ -74,7 +63,7 @@ bool IdentifiantBienForme(const std::string& id) {
 void TPerson::MajDateJourDDMF_DCF(bool creationSeule, const std::string& date) {
   const std::string tampon = Tampon(date);
   // Les deux listes chargées : l'enregistrement n'écrit les champs que si les deux le sont.
-  ChargeListes(*this);
+  ChargeListes();
   if (GetRgChpsSimple("DCF") == 0) PoseChamp(*this, "DCF", tampon);
   if (creationSeule) return;
   PoseChamp(*this, "DDMF", tampon);
@@ -82,7 +71,7 @@ void TPerson::MajDateJourDDMF_DCF(bool creationSeule, const std::string& date) {
 }
 
 void TPerson::MajDateJourDDNOTIF(const TDateTime* date) {
-  ChargeListes(*this);
+  ChargeListes();
   PoseChamp(*this, "DDNOTIF", Tampon(DateHeureEnTexte(date ? *date : Maintenant())));
 }
 
@@ -106,7 +95,7 @@ std::string TPerson::RetourneIdPers(bool creer) {
     }
   }
   if (id.empty() && creer && voisins && Numero > 0) {
-    ChargeListes(*this);
+    ChargeListes();
     id = voisins->GetIdGenea() + GenereIdPersUnique();
     PoseChamp(*this, "ID_PERS", id);
     Enregistrement(-3, nullptr, false, false, true, true);
@@ -137,7 +126,7 @@ bool TPerson::VerifIdPersOk(const std::string& id) {
 }
 
 void TPerson::AddOrigineDataChps() {
-  ChargeListes(*this);
+  ChargeListes();
   if (IsExistChpsSimple("ORIGINE_DONNEE")) return;
   TChpsSimple::TEnreg c;
   c.SetLibelle("ORIGINE_DONNEE");

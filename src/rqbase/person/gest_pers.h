@@ -41,6 +41,7 @@ class TContexteDossier;
 class TChpCs;
 class TEquivChpCs;
 class TVoisinsPersonne;
+class TModuleBDD;
 
 class TPerson {
  public:
@@ -242,6 +243,11 @@ class TPerson {
   void LectureComplementaireChpsSimple(bool inutilise = false);
   void LectureComplementaireEvenement(int filtreAnnee = 0, bool recharger = false, bool inutilise = false);
   void FiltreEvenApres(int annee) { LectureComplementaireEvenement(annee, true, true); }
+  // Les deux listes, chacune chargée seule si elle manque : une liste déjà là, peut-être
+  // changée et pas encore enregistrée, n'est pas relue.
+  void ChargeListes();
+  // La base du dossier si elle est ouverte, nul sinon.
+  TModuleBDD* BaseOuverte() const;
   void NouvelleFicheComplementaire();
   void NouvelleFicheComplementaireChpsSimple();
   void NouvelleFicheComplementaireEvenement();

@@ -54,23 +54,6 @@ int CleDate(const TDateRQ& date) {
   return date.CalcNbJoursAbs(true);
 }
 
-// Les deux listes de la personne, chacune chargée seule si elle manque : une liste déjà là,
-// peut-être changée et pas encore enregistrée, n'est pas relue.
-void ChargeListes(TPerson& p) {
-  if (!p.Evens() && !p.Chps()) {
-    p.LectureComplementaire();  // les deux d'une seule lecture
-    return;
-  }
-  p.LectureComplementaireChpsSimple();
-  p.LectureComplementaireEvenement();
-}
-
-TModuleBDD* BaseOuverte(const TPerson& p) {
-  TContexteDossier* gest = p.Gest();
-  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
-  return bdd && bdd->EstOuverte() ? bdd : nullptr;
-}
-
 }  // namespace
 
 // ===== Liens défaits des deux côtés =====
@@ -125,7 +108,7 @@ void TPerson::SupprimeLienConjoint(long& no, bool garderChamps) {
   if (no == 0) return;
   const long conjoint = no;
   // Les champs simples du couple, pris dans la liste chargée de la personne.
-  ChargeListes(*this);
+  ChargeListes();
   std::set<long> chpsCouple;
   if (!garderChamps && Chps())
     for (const TChpsSimpleTV& c : *Chps())
@@ -259,7 +242,7 @@ void TPerson::SupprimeLien(bool* choix, bool inutilise1, bool inutilise2) {
   RecompacteEnfant();
 
   if (!choix) {
-    if (TModuleBDD* bdd = BaseOuverte(*this)) {
+    if (TModuleBDD* bdd = BaseOuverte()) {
       // Les événements des autres où la personne est citée.
       for (int i = 0; i < NbLiens; ++i) {
         const long noEven = LienCitation(i);
@@ -324,8 +307,8 @@ void TPerson::Suppression(bool anonymiser) {
   if (gest && gest->PeutEcrire()) {
     // Les liens vers ses événements sont pris avant que ses lignes soient cachées : les
     // personnes citées sur eux en sont détachées plus loin.
-    ChargeListes(*this);
-    if (TModuleBDD* bdd = BaseOuverte(*this)) bdd->MasquerChpsOfPerson(Numero, false);
+    ChargeListes();
+    if (TModuleBDD* bdd = BaseOuverte()) bdd->MasquerChpsOfPerson(Numero, false);
     // Les lignes cachées ne sont plus celles de la personne : ses listes sont vides.
     NouvelleFicheComplementaire();
   }
@@ -338,7 +321,7 @@ void TPerson::Suppression(bool anonymiser) {
 void TPerson::RestaurationData() {
   TContexteDossier* gest = Gest();
   if (!gest || !gest->PeutEcrire() || Numero <= 0) return;
-  if (TModuleBDD* bdd = BaseOuverte(*this)) bdd->MasquerChpsOfPerson(Numero, true);
+  if (TModuleBDD* bdd = BaseOuverte()) bdd->MasquerChpsOfPerson(Numero, true);
 }
 
 // ===== Ordre des conjoints et des enfants =====
@@ -399,7 +382,7 @@ void ClasseEnfantsSansDatesParConjoints(TLienPers* enfants, std::vector<int>& cl
 void TPerson::EnregClassementEnfConj(bool avecChamps) {
   if (Numero <= 0) return;
   // Les dates d'union sont dans les événements de la personne.
-  ChargeListes(*this);
+  ChargeListes();
   // Les enfants tassés en tête : les classements ne parcourent que ceux-là.
   const int nbEnfants = FirstNullChild();
 
