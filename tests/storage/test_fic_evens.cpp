@@ -152,7 +152,7 @@ TEST_F(FacadesAnciennes, EvenementEtSonDebordementLusOctetParOctet) {
     EXPECT_TRUE(ev.Enreg.Libelle.empty());
   }
   EXPECT_FALSE(ctx.EnErreur());
-  EXPECT_EQ(evens.ReturnNewNum(), 0);  // jamais de numéro neuf dans un ancien fichier
+  EXPECT_EQ(evens.ReturnNewNum(), 0);  // sans base, aucun numéro neuf
   EXPECT_TRUE(evens.NoEvenValide(2));
   EXPECT_FALSE(evens.NoEvenValide(3));
   EXPECT_EQ(evens.AnnuleSiInconnu(3), 0);
@@ -256,6 +256,26 @@ TEST_F(FacadesAnciennes, FichiersAbsentsCoupesOuMenteursSansRienCreer) {
   EXPECT_FALSE(sources.LectureSource(&s));
   EXPECT_FALSE(ctx.EnErreur());
   EXPECT_EQ(essai::Instantane(Temp.Dossier()), avant);
+}
+
+// La conversion : dossier de 2009 avec sa base neuve ; les façades lisent les anciens
+// fichiers, les numéros neufs viennent de la base, les anciens fichiers ne changent pas.
+TEST_F(FacadesAnciennes, ConversionLitLesAnciensFichiersEtNumeroteDansLaBase) {
+  TModuleBDD bdd(Temp.Dossier() + "/Essai.adb", "5.90");
+  ASSERT_TRUE(bdd.CreateDataBase());
+  ASSERT_TRUE(bdd.OpenDataBase());
+  const std::string evn = essai::Contenu(Temp.Dossier() + "/Essai.evn");
+  TContexteAnnee ctx(Temp.Prs(), 2009, false);
+  TFicEvens evens(&ctx, &bdd);
+  TFicSources sources(&ctx, &bdd);
+  ASSERT_TRUE(evens.EstAncien());
+  EXPECT_EQ(evens.GetNbEnreg(), 2);  // le compte du fichier, pas la base
+  const long no = evens.ReturnNewNum();
+  EXPECT_GT(no, 0);
+  EXPECT_TRUE(bdd.IsIdEventExists(no));
+  const long ns = sources.ReturnNewNum();
+  EXPECT_TRUE(bdd.NoSourceExists(ns));
+  EXPECT_EQ(essai::Contenu(Temp.Dossier() + "/Essai.evn"), evn);
 }
 
 // Dossier actuel : la façade ne touche aucun fichier, tout va à la base.

@@ -165,6 +165,10 @@ TFacade::TFacade(TContexteDossier* gest, TModuleBDD* bdd, TTypeFichier type, siz
                  bool compteTexte)
     : Gestion(gest), Base(bdd), Ancien(OuvreSi2009(gest, type, taille, decalageCompte, compteTexte)) {}
 
+bool TFacade::BaseEcrivable() const {
+  return Base && Base->EstOuverte() && !Base->EstEnLectureSeule();
+}
+
 void TFacade::DebutParcoursAncien(const std::string& libelle, long noPers) {
   Curseur = 0;
   LibelleParcours = libelle;
@@ -225,7 +229,7 @@ TFicEvens::TFicEvens(TContexteDossier* gest, TModuleBDD* bdd)
     : TFacade(gest, bdd, tfEvn, sizeof(TEvenement::TEnregPrive), offsetof(TEvenement::TEnregPrive, NoPersA)) {}
 
 long TFicEvens::ReturnNewNum() {
-  return Ancien || !Base ? 0 : Base->ReturnNewNumEven();
+  return BaseEcrivable() ? Base->ReturnNewNumEven() : 0;
 }
 
 long TFicEvens::GetNbEnreg() {
@@ -291,7 +295,7 @@ TFicChpsSimple::TFicChpsSimple(TContexteDossier* gest, TModuleBDD* bdd)
     : TFacade(gest, bdd, tfChs, sizeof(TEnregRq), offsetof(TEnregRq, NoPersA)) {}
 
 long TFicChpsSimple::ReturnNewNum() {
-  return Ancien || !Base ? 0 : Base->ReturnNewNumChpsSimple();
+  return BaseEcrivable() ? Base->ReturnNewNumChpsSimple() : 0;
 }
 
 long TFicChpsSimple::GetNbEnreg() {
@@ -351,7 +355,7 @@ TFicSources::TFicSources(TContexteDossier* gest, TModuleBDD* bdd)
     : TFacade(gest, bdd, tfSrc, sizeof(TEnregSourceAncien), offsetof(TEnregSourceAncien, NoEven)) {}
 
 long TFicSources::ReturnNewNum() {
-  return Ancien || !Base ? 0 : Base->ReturnNewNumSource();
+  return BaseEcrivable() ? Base->ReturnNewNumSource() : 0;
 }
 
 long TFicSources::GetNbEnreg() {
@@ -374,7 +378,7 @@ TFicIllustrations::TFicIllustrations(TContexteDossier* gest, TModuleBDD* bdd)
     : TFacade(gest, bdd, tfIll, sizeof(TEnregIllustrationAncien), offsetof(TEnregIllustrationAncien, Chemin), true) {}
 
 long TFicIllustrations::ReturnNewNum() {
-  return Ancien || !Base ? 0 : Base->ReturnNewNumIllustration();
+  return BaseEcrivable() ? Base->ReturnNewNumIllustration() : 0;
 }
 
 long TFicIllustrations::GetNbEnreg() {

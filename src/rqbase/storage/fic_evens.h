@@ -6,8 +6,8 @@
 //   (TModuleBDD) ; la façade n'ouvre, ne crée ni ne touche aucun fichier à elle ;
 // - dossier de 2009 : elle lit les anciens fichiers d'enregistrements (.evn, .chs, .src,
 //   .ill, .evx), qui ne servent plus qu'à la conversion. Ils ne sont jamais écrits ni
-//   créés : un fichier absent laisse une façade vide (compte nul), un numéro neuf n'est
-//   jamais donné (0).
+//   créés : un fichier absent laisse une façade vide (compte nul). Un numéro neuf vient de
+//   la base quand elle est là pour être écrite (la conversion), 0 sinon.
 //
 // Formes sur le disque des anciens fichiers : docs/formats.md, « Anciens fichiers ».
 // Ce qu'un appelant peut tenir pour sûr : un numéro hors de 1..compte, un dossier en
@@ -148,6 +148,10 @@ class TFacade {
   TFacade(TContexteDossier* gest, TModuleBDD* bdd, TTypeFichier type, size_t taille, size_t decalageCompte,
           bool compteTexte = false);
 
+  // Les numéros neufs viennent de la base, même dans un dossier de 2009 : pendant sa
+  // conversion, les façades lisent les anciens fichiers et la base reçoit ce qui s'écrit.
+  // Sans base ouverte en écriture, aucun numéro (0).
+  bool BaseEcrivable() const;
   // La borne des numéros : le compte de l'ancien fichier, ou ce que la base rend.
   template <typename F>
   long Borne(F base) const {
@@ -182,7 +186,8 @@ class TFicEvens : public TFacade {
  public:
   TFicEvens(TContexteDossier* gest, TModuleBDD* bdd);
 
-  // Un numéro neuf (une ligne neuve, ou le compteur d'import) ; 0 en 2009.
+  // Un numéro neuf de la base (une ligne neuve, ou le compteur d'import) ; 0 sans base
+  // ouverte en écriture.
   long ReturnNewNum();
   // La borne des numéros : le compte du fichier, ou le plus grand numéro de la table (les
   // événements et les champs simples partagent leurs numéros).
