@@ -34,14 +34,6 @@ struct TOptionsFaits {
 
 std::string Num(long n) { return std::to_string(n); }
 
-std::unique_ptr<TGestFichier> OuvrePourEcrire(const std::string& chemin) {
-  auto gest = Ouvre(chemin, false);
-  if (!gest->PeutEcrire()) throw ERqBase("Le dossier ne peut pas être écrit : rien n'a changé.");
-  if (!gest->ModuleBDD() || !gest->ModuleBDD()->EstOuverte())
-    throw ERqBase("La base des événements de ce dossier ne peut pas être ouverte.");
-  return gest;
-}
-
 // La personne vivante de ce numéro, ses listes chargées.
 TPerson PersonneAvecListes(TGestFichier& gest, long no) {
   if (no < 1 || no > gest.FicPersons()->NbPersEffective())
@@ -83,7 +75,7 @@ void AjouteEvenement(TContexteCli& ctx, const TOptionsFaits& o) {
   if (code.size() > 10) throw ERqBase("Le code dépasse 10 caractères : rien n'a été enregistré.");
   if (pays.size() > 50) throw ERqBase("Le pays dépasse 50 caractères : rien n'a été enregistré.");
 
-  auto gest = OuvrePourEcrire(o.Chemin);
+  auto gest = OuvrePourEcrire(o.Chemin, true);
   ChampDuCatalogue(*gest, libelle, true);
   TPerson p = PersonneAvecListes(*gest, o.Numero);
   if (o.Conjoint != 0 && p.RetourneRgConj(o.Conjoint) == 0)
@@ -121,7 +113,7 @@ void AjouteEvenement(TContexteCli& ctx, const TOptionsFaits& o) {
 }
 
 void SupprimeEvenement(TContexteCli& ctx, const TOptionsFaits& o) {
-  auto gest = OuvrePourEcrire(o.Chemin);
+  auto gest = OuvrePourEcrire(o.Chemin, true);
   TPerson p = PersonneAvecListes(*gest, o.Numero);
   rqbase::TEvenement::TEnreg e;
   if (!p.EvenNo(o.Rang, &e))
@@ -137,7 +129,7 @@ void SupprimeEvenement(TContexteCli& ctx, const TOptionsFaits& o) {
 void AjouteChamp(TContexteCli& ctx, const TOptionsFaits& o) {
   const std::string libelle = rqbase::Trim(ArgTexte(o.Libelle, "le libellé"));
   const std::string valeur = TexteBorne(o.Valeur, "La valeur", rqbase::kLgDonnee);
-  auto gest = OuvrePourEcrire(o.Chemin);
+  auto gest = OuvrePourEcrire(o.Chemin, true);
   ChampDuCatalogue(*gest, libelle, false);
   TPerson p = PersonneAvecListes(*gest, o.Numero);
   if (p.GetNbChpsSimple() >= TPerson::NbLiens)
@@ -160,7 +152,7 @@ void AjouteChamp(TContexteCli& ctx, const TOptionsFaits& o) {
 
 void Professions(TContexteCli& ctx, const TOptionsFaits& o) {
   const std::string texte = ArgTexte(o.Valeur, "les professions");
-  auto gest = OuvrePourEcrire(o.Chemin);
+  auto gest = OuvrePourEcrire(o.Chemin, true);
   TPerson p = PersonneAvecListes(*gest, o.Numero);
   p.AjusteChampsProf(texte);
   p.Enregistrement();

@@ -59,12 +59,6 @@ json Liens(const TPerson& p) {
           {"supprime", p.FicheSupprimee()}};
 }
 
-std::unique_ptr<rqbase::TGestFichier> OuvrePourEcrire(const std::string& chemin) {
-  auto gest = Ouvre(chemin, false);
-  if (!gest->PeutEcrire()) throw ERqBase("Le dossier ne peut pas être écrit : rien n'a changé.");
-  return gest;
-}
-
 void VerifieNumero(TFicPersons& fic, long no) {
   if (no < 1 || no > fic.NbPersEffective()) throw ERqBase("La personne " + Num(no) + " n'existe pas dans ce dossier.");
 }

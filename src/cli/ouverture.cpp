@@ -3,7 +3,9 @@
 #include <filesystem>
 
 #include "contexte.h"
+#include "rqbase/dossier/gest_fic.h"
 #include "rqbase/platform/attributs.h"
+#include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/platform/chemins.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/util/erreur.h"
@@ -82,6 +84,14 @@ void VerifieEcriture(const TGestFichier& gest, const std::string& quoi) {
   if (gest.EcritureRatee() || gest.EnErreur())
     throw ERqBase("L'écriture dans le dossier a échoué (disque plein, erreur du disque, ou fichier du dossier qui n'a pas pu "
                   "s'ouvrir) : " + quoi);
+}
+
+std::unique_ptr<rqbase::TGestFichier> OuvrePourEcrire(const std::string& nom, bool avecBase) {
+  auto gest = Ouvre(nom, false);
+  if (!gest->PeutEcrire()) throw rqbase::ERqBase("Le dossier ne peut pas être écrit : rien n'a changé.");
+  if (avecBase && (!gest->ModuleBDD() || !gest->ModuleBDD()->EstOuverte()))
+    throw rqbase::ERqBase("La base des événements de ce dossier ne peut pas être ouverte.");
+  return gest;
 }
 
 }  // namespace rqcli

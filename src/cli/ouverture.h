@@ -21,6 +21,9 @@ bool DossierEnLectureSeule(const std::string& prs);
 // Le dossier ouvert ; `nom` tel que tapé (UTF-8). ERqBase s'il est introuvable, verrouillé par
 // un autre programme, ou en lecture seule pour une commande d'écriture.
 std::unique_ptr<rqbase::TGestFichier> Ouvre(const std::string& nom, bool lectureSeule);
+// Le dossier ouvert pour une commande qui écrit : ERqBase, avant toute écriture, s'il ne
+// peut pas l'être (ou, avec `avecBase`, si sa base des événements ne s'ouvre pas).
+std::unique_ptr<rqbase::TGestFichier> OuvrePourEcrire(const std::string& nom, bool avecBase = false);
 // ERqBase « L'écriture dans le dossier a échoué ... » + `quoi` si une écriture a raté.
 void VerifieEcriture(const rqbase::TGestFichier& gest, const std::string& quoi);
 
