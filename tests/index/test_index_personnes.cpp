@@ -358,6 +358,13 @@ TEST_F(IndexTest, LigneHorsDuFichierOuSupprimeeJamaisEnMemoire) {
   EXPECT_EQ(Memoire(), (std::vector<std::string>{"DUPONT/JEAN/2"}));
 }
 
+TEST_F(IndexTest, TextesHorsASCIIRelusDeLaTable) {
+  const long a = Ajoute("Œuvrard", "Æsa");
+  EXPECT_EQ(Table(a)[0].Nom, "ŒUVRARD");  // les ligatures restent des ligatures
+  Index->ReinitTableIndexBis();
+  EXPECT_EQ(Memoire(), std::vector<std::string>{"ŒUVRARD/ÆSA/2"});
+}
+
 TEST_F(IndexTest, ReconstructionsEtLeursTextes) {
   Ajoute("Dupont", "Jean");
   Ajoute("Martin", "Luc");

@@ -75,9 +75,30 @@ class TBlocIndex {
 
 std::string Car(char c) { return c == 0 ? std::string() : std::string(1, c); }
 
-char CarColonne(SQLite::Statement& q, int colonne) {
+// Un texte de colonne posé dans son tableau ; rend sa longueur d'origine. Les textes de l'index
+// sont presque toujours en ASCII, identique en UTF-8 : ils se copient sans conversion ni
+// allocation (la mémoire d'un million de personnes se refait depuis quatre millions de lignes).
+size_t TexteDans(SQLite::Statement& q, int colonne, char* dest, size_t taille) {
+  const SQLite::Column c = q.getColumn(colonne);
+  const char* t = c.getText();
+  const size_t n = size_t(c.getBytes());
+  bool ascii = true;
+  for (size_t i = 0; i < n && ascii; ++i) ascii = uint8_t(t[i]) < 0x80 && t[i] != 0;
+  if (ascii) {
+    const size_t garde = std::min(n, taille - 1);
+    std::memcpy(dest, t, garde);
+    std::memset(dest + garde, 0, taille - garde);
+    return n;
+  }
   const std::string s = TModuleBDD::TexteColonne(q, colonne);
-  return s.empty() ? char(0) : s[0];
+  TEnregIndex::Pose(dest, taille, s);
+  return s.size();
+}
+
+char CarColonne(SQLite::Statement& q, int colonne) {
+  char c[2];
+  TexteDans(q, colonne, c, sizeof c);
+  return c[0];
 }
 
 // Les 13 colonnes liées à partir du paramètre `premier`.
@@ -108,14 +129,10 @@ int16_t Entier16(SQLite::Statement& q, int colonne) {
 void LitColonnes(SQLite::Statement& q, TIndexPerson& ip) {
   ip.ID = long(q.getColumn(0).getInt64());
   TEnregIndex& e = ip.Enreg;
-  const std::string nom = TModuleBDD::TexteColonne(q, 1);
-  const std::string prenom = TModuleBDD::TexteColonne(q, 2);
-  ip.LongueurNomLu = nom.size();
-  ip.LongueurPrenomLu = prenom.size();
-  e.SetNom(nom);
-  e.SetPrenom(prenom);
-  e.SetNomSoundex(TModuleBDD::TexteColonne(q, 3));
-  e.SetPrenomSoundex(TModuleBDD::TexteColonne(q, 4));
+  ip.LongueurNomLu = TexteDans(q, 1, e.Nom, sizeof e.Nom);
+  ip.LongueurPrenomLu = TexteDans(q, 2, e.Prenom, sizeof e.Prenom);
+  TexteDans(q, 3, e.NomSoundex, sizeof e.NomSoundex);
+  TexteDans(q, 4, e.PrenomSoundex, sizeof e.PrenomSoundex);
   e.AnneeMin = Entier16(q, 5);
   e.AnneeMax = Entier16(q, 6);
   const int64_t no = q.getColumn(7).getInt64();
