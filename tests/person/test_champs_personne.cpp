@@ -9,6 +9,9 @@
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/storage/datamodulebdd.h"
+#include "rqbase/storage/fic_evens.h"
+
+#include <filesystem>
 
 namespace rqbase {
 namespace {
@@ -233,6 +236,74 @@ TEST_F(ChampsPersonneTest, LectureFiltreeNeGardeQueLesEvenementsDatesJusquALAnne
   r.FiltreEvenApres(1900);
   EXPECT_EQ(Libelles(r), (std::vector<std::string>{"NAISSANCE@01/01/1880"}));
   EXPECT_EQ(r.GetNbChpsSimple(), 0);  // une copie réduite : plus de champs simples
+}
+
+}  // namespace
+}  // namespace rqbase
+
+namespace rqbase {
+namespace {
+
+// Un dossier de 2009 réduit : le fichier des personnes, et les façades qui lisent les
+// anciens fichiers d'événements et de champs simples (écrits ici à leurs décalages).
+class TContexte2009 : public TContexteDossier {
+ public:
+  explicit TContexte2009(const std::string& prs) : TContexteDossier(prs) { VersionAnnee = 2009; }
+  TFicPersons* FicPersons() const override { return Persons.get(); }
+  TFicEvens* FicEvens() const override { return Evens.get(); }
+  TFicChpsSimple* FicChpsSimple() const override { return Chps.get(); }
+  std::unique_ptr<TFicPersons> Persons;
+  std::unique_ptr<TFicEvens> Evens;
+  std::unique_ptr<TFicChpsSimple> Chps;
+};
+
+std::string Enreg(size_t taille, std::initializer_list<std::pair<size_t, std::string>> champs) {
+  std::string o(taille, '\0');
+  for (const auto& [decalage, texte] : champs) o.replace(decalage, texte.size(), texte);
+  return o;
+}
+
+std::string Entier(int32_t v) { return std::string(reinterpret_cast<const char*>(&v), 4); }
+
+TEST(ChampsPersonne2009, LesLiensDeLaFicheDesignentLesAnciensEnregistrements) {
+  essai::TDossierTemp temp;
+  std::filesystem::create_directories(temp.Dossier());
+  // .evn : un compte de 2, une naissance datée de la personne 2, un enregistrement vide.
+  essai::Ecrit(temp.Dossier() + "/Essai.evn",
+               Enreg(204, {{24, Entier(2)}}) +
+                   Enreg(204, {{0, "NAISSANCE"}, {24, Entier(2)}, {35, "G"}, {36, "12/03/1850"}}) +
+                   Enreg(204, {}));
+  // .chs : une profession.
+  essai::Ecrit(temp.Dossier() + "/Essai.chs", Enreg(132, {{124, Entier(1)}}) +
+                                                  Enreg(132, {{0, "PROFESSION"}, {21, "Laboureur"}, {124, Entier(2)}}));
+  TContexte2009 ctx(temp.Prs());
+  ctx.Persons = std::make_unique<TFicPersons>(&ctx, true);
+  ctx.Evens = std::make_unique<TFicEvens>(&ctx, nullptr);
+  ctx.Chps = std::make_unique<TFicChpsSimple>(&ctx, nullptr);
+  TPerson p(ctx.Persons.get());
+  p.NouvelleFiche(-3);
+  p.NouvelleFiche(-3);
+  ASSERT_EQ(p.No(), 2);
+  TEnregPersonne brut{};
+  brut.Type = 'P';
+  brut.Supprime = ' ';
+  brut.Sexe = 'M';
+  brut.LiensEvenement[0] = 1;
+  brut.LiensEvenement[1] = 2;   // vide : refusé, son lien effacé
+  brut.LiensEvenement[2] = 9;   // hors du fichier : effacé
+  brut.LiensChpsSimple[0] = 1;
+  ctx.Persons->EcritEnreg(2, brut);
+  TPerson lu(ctx.Persons.get(), 2, true);
+  ASSERT_NE(lu.Evens(), nullptr);
+  ASSERT_EQ(lu.GetNbInfoEven(), 1);
+  TEvenement::TEnreg e;
+  lu.EvenNo(1, &e);
+  EXPECT_EQ(e.Libelle, "NAISSANCE");
+  EXPECT_EQ(e.Date.GetDate(), "12/03/1850");
+  EXPECT_EQ(lu.Enreg.LiensEvenement[0], 1);
+  EXPECT_EQ(lu.Enreg.LiensEvenement[1], 0);
+  EXPECT_EQ(lu.Enreg.LiensEvenement[2], 0);
+  EXPECT_EQ(lu.GetToutesProfession(), "Laboureur");
 }
 
 }  // namespace

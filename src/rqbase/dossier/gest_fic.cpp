@@ -180,16 +180,28 @@ bool TGestFichier::IsIDPersExists(const std::string& id) {
 
 void TGestFichier::AjouteObjets(bool sansTest) {
   auto peut = [&] { return sansTest || !Erreur; };
-  // Les chaînes partagées .qua, .par, .lie (types 1, 3, 5) ; place de TFicIllustrations.
+  // Les chaînes partagées .qua, .par, .lie (types 1, 3, 5), puis les façades de la base.
   if (peut()) Qua = std::make_unique<TFicDupli>(this, tfQua, false);
   if (peut()) Par = std::make_unique<TFicDupli>(this, tfPar, false);
   if (peut()) Lie = std::make_unique<TFicDupli>(this, tfLie, false);
+  if (peut()) Illustrations = std::make_unique<TFicIllustrations>(this, BDD.get());
   if (peut()) ExtPersons = std::make_unique<TFicExtPersons>(this, false);
-  // Places, dans l'ordre : TFicSources, TFicChpsSimple, TFicExtEvens, TFicEvens (façades
-  // de la base), TFicSosas ; puis les notes ; puis places de TFicIndexPerson,
-  // TFicNoticesPat, le catalogue TDefChpsCs et les équivalences de noms TTabNomEquiv.
+  AjouteFacades(sansTest);
+  // Place de TFicSosas ; puis les notes ; puis places de TFicIndexPerson, TFicNoticesPat,
+  // le catalogue TDefChpsCs et les équivalences de noms TTabNomEquiv.
   if (peut()) Notes = std::make_unique<TFicNotes>(this, false);
   if (peut()) DefChpsCs = std::make_unique<TDefChpsCs>(this, false);
+}
+
+void TGestFichier::AjouteFacades(bool sansTest) {
+  auto peut = [&] { return sansTest || !Erreur; };
+  if (peut()) Sources = std::make_unique<TFicSources>(this, BDD.get());
+  if (peut()) ChpsSimple = std::make_unique<TFicChpsSimple>(this, BDD.get());
+  if (peut()) ExtEvens = std::make_unique<TFicExtEvens>(this);
+  if (peut()) {
+    Evens = std::make_unique<TFicEvens>(this, BDD.get());
+    Evens->Ext = ExtEvens.get();
+  }
 }
 
 void TGestFichier::NouveauFichier(int premierePersonne) {
@@ -274,11 +286,12 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
   Qua = std::make_unique<TFicDupli>(this, tfQua, true);
   Par = std::make_unique<TFicDupli>(this, tfPar, true);
   Lie = std::make_unique<TFicDupli>(this, tfLie, true);
-  // Place de TFicIllustrations.
+  Illustrations = std::make_unique<TFicIllustrations>(this, BDD.get());
   ExtPersons = std::make_unique<TFicExtPersons>(this, true);
   PersSuppr = std::make_unique<TFicPersSuppr>(this, true);
-  // Places de TFicSources, TFicChpsSimple, TFicExtEvens, TFicEvens, TFicSosas ; les notes ;
-  // places de TFicIndexPerson, TFicNoticesPat, TDefChpsCs, TTabNomEquiv.
+  AjouteFacades(true);
+  // Place de TFicSosas ; les notes ; places de TFicIndexPerson, TFicNoticesPat, TDefChpsCs,
+  // TTabNomEquiv.
   Notes = std::make_unique<TFicNotes>(this, true);
   DefChpsCs = std::make_unique<TDefChpsCs>(this, true);
   Xml = std::make_unique<TFicXml>(this, true);
@@ -312,8 +325,13 @@ void TGestFichier::FermerFichiers() {
   Qua.reset();
   Par.reset();
   Lie.reset();
+  Illustrations.reset();
   ExtPersons.reset();
   PersSuppr.reset();
+  Sources.reset();
+  ChpsSimple.reset();
+  ExtEvens.reset();
+  Evens.reset();
   Notes.reset();
   DefChpsCs.reset();
   Xml.reset();

@@ -23,6 +23,7 @@
 #include "rqbase/person/voisins_personne.h"
 #include "rqbase/platform/verrou.h"
 #include "rqbase/storage/contexte_dossier.h"
+#include "rqbase/storage/fic_evens.h"
 
 namespace rqbase {
 
@@ -117,6 +118,13 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   TFicDupli* FicQua() const { return Qua.get(); }
   TFicDupli* FicPar() const { return Par.get(); }
   TFicDupli* FicLie() const override { return Lie.get(); }
+  // Les façades des événements, champs simples, sources, illustrations et débordements
+  // d'événements : la base, ou les anciens fichiers d'un dossier de 2009.
+  TFicEvens* FicEvens() const override { return Evens.get(); }
+  TFicChpsSimple* FicChpsSimple() const override { return ChpsSimple.get(); }
+  TFicSources* FicSources() const { return Sources.get(); }
+  TFicIllustrations* FicIllustrations() const { return Illustrations.get(); }
+  TFicExtEvens* FicExtEvens() const { return ExtEvens.get(); }
   // Le catalogue des champs ; nul tant qu'il n'est pas ouvert.
   TDefChpsCs* GetDefChpsCs() const override { return DefChpsCs.get(); }
   // Un champ simple "ID_PERS" de cette valeur existe-t-il dans le dossier ?
@@ -124,6 +132,8 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
 
  private:
   void AjouteObjets(bool sansTest);
+  // Les façades Sources, ChpsSimple, ExtEvens, Evens, dans cet ordre.
+  void AjouteFacades(bool sansTest);
   bool PrendVerrou();
   // Donne à la base ses voisins (cache des personnes, comptes des lieux et des notes).
   void RelieBase();
@@ -142,6 +152,11 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   std::unique_ptr<TFicDupli> Qua, Par, Lie;
   std::unique_ptr<TFicExtPersons> ExtPersons;
   std::unique_ptr<TFicPersSuppr> PersSuppr;
+  std::unique_ptr<TFicIllustrations> Illustrations;
+  std::unique_ptr<TFicSources> Sources;
+  std::unique_ptr<TFicChpsSimple> ChpsSimple;
+  std::unique_ptr<TFicExtEvens> ExtEvens;
+  std::unique_ptr<TFicEvens> Evens;
   std::unique_ptr<TFicXml> Xml;
   std::unique_ptr<TModuleBDD> BDD;
   std::unique_ptr<TFicNotes> Notes;

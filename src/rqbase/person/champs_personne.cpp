@@ -21,6 +21,7 @@
 #include "rqbase/platform/preferences.h"
 #include "rqbase/storage/contexte_dossier.h"
 #include "rqbase/storage/datamodulebdd.h"
+#include "rqbase/storage/fic_evens.h"
 #include "rqbase/util/chaines.h"
 #include "rqbase/util/fichiers.h"
 #include "rqbase/util/majuscules.h"
@@ -141,12 +142,39 @@ void ChargeUneListe(TPerson& p, TListesChps& listes, bool evenements, int filtre
 
 void TPerson::LectureComplementaireChpsSimple(bool) {
   if (Listes.Chps) return;
-  ChargeUneListe(*this, Listes, false, 0);
+  TContexteDossier* gest = Gest();
+  if (!gest || !gest->IsVersion2009()) {
+    ChargeUneListe(*this, Listes, false, 0);
+    return;
+  }
+  // Dossier de 2009 : les liens de la fiche désignent les enregistrements de l'ancien fichier.
+  Listes.Chps = std::make_unique<TVectorTV<TChpsSimpleTV>>();
+  TFicChpsSimple* fic = gest->FicChpsSimple();
+  for (int32_t& lien : Enreg.LiensChpsSimple) {
+    if (lien == 0) continue;
+    TChpsSimple chp(fic ? fic->Bdd() : nullptr);
+    chp.Enreg.No = lien;
+    if (!fic || !fic->LectureChpsSimple(&chp) || !AddChpSimpleInTV(*this, Listes, chp, -1)) lien = 0;
+  }
 }
 
 void TPerson::LectureComplementaireEvenement(int filtreAnnee, bool recharger, bool) {
   if (Listes.Evens && !recharger) return;
-  ChargeUneListe(*this, Listes, true, filtreAnnee);
+  TContexteDossier* gest = Gest();
+  if (!gest || !gest->IsVersion2009()) {
+    ChargeUneListe(*this, Listes, true, filtreAnnee);
+    return;
+  }
+  Listes.Evens = std::make_unique<TVectorTV<TEvenementTV>>();
+  TFicEvens* fic = gest->FicEvens();
+  bool filtrage = false;
+  for (int32_t& lien : Enreg.LiensEvenement) {
+    if (lien == 0) continue;
+    TEvenement ev(fic ? fic->Bdd() : nullptr);
+    ev.Enreg.No = lien;
+    if (!fic || !fic->LectureEven(&ev) || !AddEvenInTV(*this, Listes, ev, filtreAnnee, filtrage, -1)) lien = 0;
+  }
+  if (filtrage) TermineRecompacter();
 }
 
 void TPerson::ChargeListes() {

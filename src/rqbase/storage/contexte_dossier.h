@@ -31,6 +31,8 @@ class TFicExtPersons;
 class TFicPersSuppr;
 class TFicXml;
 class TModuleBDD;
+class TFicEvens;
+class TFicChpsSimple;
 
 // Les numéros des fichiers d'un dossier (voir FabriqueNomFichier et docs/formats.md).
 enum TTypeFichier : int {
@@ -96,6 +98,8 @@ class TContexteDossier {
   virtual TFicPersSuppr* FicPersSuppr() const { return nullptr; }
   virtual TFicXml* FicXml() const { return nullptr; }
   virtual TModuleBDD* ModuleBDD() const { return nullptr; }
+  virtual TFicEvens* FicEvens() const { return nullptr; }
+  virtual TFicChpsSimple* FicChpsSimple() const { return nullptr; }
 
   // État gardé dans l'en-tête des personnes.
   TDateTime DateCreation = 0, DateModification = 0, DateTroisieme = 0;
