@@ -8,7 +8,10 @@
 #include <cstring>
 
 #include "dossier_essai.h"
+#include "rqbase/fields/chp_cs.h"
+#include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/platform/dialogue.h"
+#include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/storage/fic_ext_pers.h"
 #include "rqbase/storage/fic_pers_suppr.h"
 #include "rqbase/storage/fic_xml.h"
@@ -183,6 +186,55 @@ TEST(PutFilesInReadWrite, RendInscriptibleEtRefuseUnDossierAbsent) {
             std::filesystem::perms::none);
   EXPECT_FALSE(PutFilesInReadWrite(t.Racine + "/absent"));
   EXPECT_EQ(ConstruitAccesGenealogie("/d/", "Nom"), "/d/Nom.rq2/Nom.prs");
+}
+
+}  // namespace
+}  // namespace rqbase
+
+namespace rqbase {
+namespace {
+
+// La question de l'ouverture qui fait de PROFESSION un événement : un dossier neuf naît à
+// jour ; un dossier dont le catalogue a une profession en champ simple demande, et seul Oui
+// change les lignes, le catalogue et la clé.
+TEST(MiseAJourProfession, SeulOuiFaitDeLaProfessionUnEvenement) {
+  essai::TDossierTemp temp;
+  TDialogueFixe dlg(ReponseNon);
+  InstalleDialogue(&dlg);
+  {
+    TGestFichier neuf(temp.Prs(), true, false, false, false, 1);
+    ASSERT_FALSE(neuf.EnErreur());
+    EXPECT_EQ(neuf.ModuleBDD()->GetInfoChps("UPDATE_PROF"), "UPDATED");
+    // Un ancien état : la profession en champ simple, une ligne de champ simple, la clé à "0".
+    neuf.GetDefChpsCs()->RechercheChampsInternePtr("PROFESSION")->Type = tcCpa;
+    ASSERT_TRUE(neuf.GetDefChpsCs()->Sauvegarde());
+    neuf.ModuleBDD()->MAJInfoChps("UPDATE_PROF", "0");
+    TChpsSimple chp(neuf.ModuleBDD());
+    chp.Enreg.SetLibelle("PROFESSION");
+    chp.Enreg.SetDonnee("tonnelier");
+    chp.Enreg.NoPersA = 1;
+    ASSERT_TRUE(neuf.ModuleBDD()->EnregistrementChpsSimple(&chp));
+  }
+  auto ouvre = [&] { return std::make_unique<TGestFichier>(temp.Prs(), false, false, false, false, 0); };
+  {
+    auto g = ouvre();
+    EXPECT_EQ(dlg.Questions.size(), 1u);
+    EXPECT_EQ(g->ModuleBDD()->GetInfoChps("UPDATE_PROF"), "0");
+    EXPECT_EQ(g->GetDefChpsCs()->RechercheChampsInternePtr("PROFESSION")->Type, tcCpa);
+    EXPECT_TRUE(g->ModuleBDD()->ChpsSimpleExistsForPerson(1, "PROFESSION"));
+  }
+  dlg.Reponse = ReponseOui;
+  {
+    auto g = ouvre();
+    EXPECT_EQ(dlg.Questions.size(), 2u);
+    EXPECT_EQ(g->ModuleBDD()->GetInfoChps("UPDATE_PROF"), "UPDATED");
+    EXPECT_EQ(g->GetDefChpsCs()->RechercheChampsInternePtr("PROFESSION")->Type, tcEc);
+    EXPECT_FALSE(g->ModuleBDD()->ChpsSimpleExistsForPerson(1, "PROFESSION"));
+    EXPECT_TRUE(g->ModuleBDD()->EvenExistsForPerson(1, "PROFESSION"));
+  }
+  auto g = ouvre();
+  EXPECT_EQ(dlg.Questions.size(), 2u);  // plus de question
+  InstalleDialogue(nullptr);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include "rqbase/fields/chp_cs.h"
 #include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/notes/fic_notes.h"
 #include "rqbase/places/gestduplicat.h"
@@ -22,6 +23,7 @@
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/platform/empreinte.h"
 #include "rqbase/platform/fil.h"
+#include "rqbase/platform/preferences.h"
 #include "rqbase/platform/remplacement.h"
 #include "rqbase/platform/ressources.h"
 #include "rqbase/storage/datamodulebdd.h"
@@ -77,11 +79,29 @@ TGestFichier::TGestFichier(const std::string& chemin, bool nouveau, bool a, bool
 
   if (!sansOuverture && !nouveau) {
     OuvrirFichier(a, b);
-    // Place des mises à jour d'ouverture d'un dossier modifiable dont la base est
-    // ouverte : reconstruction de l'index ("INDEXNAME") et question de la profession
-    // ("UPDATE_PROF"). Elles viennent avec l'index des noms et les événements de la base.
+    // Les mises à jour d'ouverture d'un dossier modifiable dont la base est ouverte : place
+    // de la reconstruction de l'index ("INDEXNAME"), puis la question de la profession.
+    if (BDD && BDD->EstOuverte() && !LectureSeule) MetAJourProfession();
   }
-  // Place du mode de classement des événements et des listes de lieux du processus.
+  ClassementTypeEven = LitPreferenceEntier(SectionPreferences(), "Type de classement des evenements", 0) == 1;
+  // Place des listes de lieux du processus.
+}
+
+void TGestFichier::MetAJourProfession() {
+  if (!DefChpsCs || BDD->GetInfoChps("UPDATE_PROF") != "0") return;
+  TChpCs* profession = DefChpsCs->RechercheChampsInternePtr("PROFESSION");
+  if (!profession || profession->Type == tcEc) {
+    BDD->MAJInfoChps("UPDATE_PROF", "UPDATED");
+    return;
+  }
+  // Sur toute autre réponse que Oui, la clé reste : la question reviendra à la prochaine ouverture.
+  if (Dialogue().Question("Donnez-vous votre accord pour améliorer le champ Profession, afin de profiter au mieux "
+                          "des évolutions de Filiora 2020 ?",
+                          "Evolution de votre base de données", TBoutons::OuiNonAnnuler) != ReponseOui)
+    return;
+  BDD->ChpsSimpleEven("PROFESSION");
+  profession->Type = tcEc;
+  if (DefChpsCs->Sauvegarde()) BDD->MAJInfoChps("UPDATE_PROF", "UPDATED");
 }
 
 bool TGestFichier::PrendVerrou() {
@@ -294,6 +314,11 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
   // TTabNomEquiv.
   Notes = std::make_unique<TFicNotes>(this, true);
   DefChpsCs = std::make_unique<TDefChpsCs>(this, true);
+  // Un dossier neuf naît à jour : son catalogue a déjà PROFESSION pour événement, et aucune
+  // ouverture ne devra plus poser la question ni écrire la clé.
+  if (const TChpCs* profession = DefChpsCs->RechercheChampsInternePtr("PROFESSION");
+      !profession || profession->Type == tcEc)
+    BDD->MAJInfoChps("UPDATE_PROF", "UPDATED");
   Xml = std::make_unique<TFicXml>(this, true);
   // L'identifiant se calcule sur le chemin que le dossier aura, pas sur celui de l'écart.
   GenereIdGeneaPour(prsDefinitif);

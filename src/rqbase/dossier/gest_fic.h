@@ -127,11 +127,16 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   TFicExtEvens* FicExtEvens() const { return ExtEvens.get(); }
   // Le catalogue des champs ; nul tant qu'il n'est pas ouvert.
   TDefChpsCs* GetDefChpsCs() const override { return DefChpsCs.get(); }
+  // L'ordre des événements d'une personne enregistrée : par type puis par date (préférence
+  // « Type de classement des evenements » à 1), sinon par date seule ; lu à l'ouverture.
+  bool ClassementParType() const override { return ClassementTypeEven; }
   // Un champ simple "ID_PERS" de cette valeur existe-t-il dans le dossier ?
   bool IsIDPersExists(const std::string& id) override;
 
  private:
   void AjouteObjets(bool sansTest);
+  // La question de l'ouverture qui fait de PROFESSION un événement (clé "UPDATE_PROF").
+  void MetAJourProfession();
   // Les façades Sources, ChpsSimple, ExtEvens, Evens, dans cet ordre.
   void AjouteFacades(bool sansTest);
   bool PrendVerrou();
@@ -143,6 +148,7 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   std::vector<std::string> MembresPresents() const;
 
   std::string IdGenea;
+  bool ClassementTypeEven = false;
   int Reponse = 0;
   bool Annulation = false;
   std::string Message;
