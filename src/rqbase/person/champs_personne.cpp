@@ -387,7 +387,10 @@ bool TPerson::AjoutEven(TEvenement* e, bool nouveau, bool surConjoint, bool enre
   }
   TModuleBDD* bdd = BaseOuverte();
   if (nouveau) {
-    if (e->Enreg.No <= 0 && bdd && bdd->EstOuverte()) e->Enreg.No = bdd->ReturnNewNumEven();
+    if (e->Enreg.No <= 0) {
+      TFicEvens* fic = Gest() ? Gest()->FicEvens() : nullptr;
+      e->Enreg.No = fic ? fic->ReturnNewNum() : bdd ? bdd->ReturnNewNumEven() : 0;
+    }
     if (e->Enreg.No > 0) AjouteNoTableLong(Enreg.LiensEvenement, e->Enreg.No);
     if (enregistrer && bdd) bdd->EnregistrementEven(e);
   }
@@ -558,7 +561,10 @@ long TPerson::AjoutChpsSimpleImmediatDisque(TChpsSimple::TEnreg& rec, TPerson* c
   if (!bdd) return 0;
   LectureComplementaireChpsSimple();
   if (Listes.Chps->GetNbElt() >= NbLiens) return 0;
-  if (rec.No <= 0) rec.No = bdd->ReturnNewNumChpsSimple();
+  if (rec.No <= 0) {
+    TFicChpsSimple* fic = Gest() ? Gest()->FicChpsSimple() : nullptr;
+    rec.No = fic ? fic->ReturnNewNum() : bdd->ReturnNewNumChpsSimple();
+  }
   if (ecrire) {
     TChpsSimple chp(bdd);
     chp.Enreg = rec;
