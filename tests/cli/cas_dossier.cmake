@@ -212,8 +212,10 @@ Note        : 0
 Débordement : 0
 ]=] ARGS personne Famille 2)
 rq_cas(dossier_personnes 11_fiche_json JSON SORTIE [=[{
+  "champs": [],
   "conjoints": [],
   "enfants": [],
+  "evenements": [],
   "extension": 0,
   "mere": 0,
   "nom": "Œuvre-Dubœuf",
