@@ -237,6 +237,24 @@ TEST_F(RechercheTest, AbandonEtListesDeValeurs) {
   t.SetAbandon(false);
   EXPECT_EQ(Cherche(rs).size(), 5u);
 
+  // Abandon à mi-course : la barre de progression le demande après le premier couple de
+  // critères ; la recherche rend ce qu'elle a trouvé jusque-là.
+  struct TArret : TProgression {
+    TGestEltIndex* Table = nullptr;
+    void Position(long p) override {
+      TProgression::Position(p);
+      if (p >= 1) Table->SetAbandon(true);
+    }
+  } arret;
+  arret.Table = &t;
+  rs.Nom = "Zola;Abel";
+  std::vector<long> moitie;
+  t.RechercheSimple(rs, nullptr, &moitie, &arret);
+  EXPECT_EQ(moitie, std::vector<long>{2});  // Zola seul
+  EXPECT_EQ(arret.Max, 2);
+  t.SetAbandon(false);
+  rs.Nom = "*";
+
   std::vector<std::string> liste;
   t.RetournePatronyme(liste);
   EXPECT_EQ(liste, (std::vector<std::string>{"ABEL", "MARTIN", "ZOLA"}));
