@@ -7,6 +7,7 @@
 #include <string>
 
 #include "rqbase/places/gestduplicat.h"
+#include "rqbase/places/texte_lieu.h"
 #include "rqbase/platform/fichier_memoire.h"
 #include "rqbase/storage/contexte_dossier.h"
 #include "rqbase/util/erreur.h"
@@ -252,6 +253,26 @@ TEST(DupliSansFichier, TableEnMemoireSeulement) {
   EXPECT_EQ(f.Table()->GetNbElt(), 2);
   EXPECT_EQ(f.Cherche(&b, false), 0);
   EXPECT_TRUE(f.TabIndex().empty());
+}
+
+// Les textes d'un lieu : les quatre parties jointes, une partie, le code en département.
+TEST_F(DupliTest, TextesDUnLieuParStyleEtSousChamp) {
+  auto f = Ouvre(true);
+  const long lyon = Ajoute(*f, "Lyon", "69123", "Rhône", "France");
+  const long paris = Ajoute(*f, " Paris ", "", "Ile de France", "");
+  EXPECT_EQ(f->Charge(lyon), "Lyon ; 69123 ; Rhône ; France");
+  EXPECT_EQ(f->Charge(paris), "Paris ;  ; Ile de France");
+  EXPECT_EQ(f->Charge(0), "");
+  EXPECT_EQ(f->RetDepartement(lyon), "69");
+  EXPECT_EQ(f->RetCommune(lyon), "Lyon");
+  EXPECT_EQ(f->RetDepartement(0), "");
+  TFicheDupli fiche(f.get(), lyon, true);
+  EXPECT_EQ(fiche.Elt.ChargeElement(TChampBase::TStyle{148}, TChampBase::TStyle{60}, 2),
+            "Lyon\x01" "69123\x01Rhône\x01" "France");
+  EXPECT_EQ(fiche.Elt.ChargeElement(TChampBase::TStyle{99}, TChampBase::TStyle{60}, 2), "");
+  EXPECT_EQ(fiche.Elt.ChargeElement(TChampBase::TSousChamps{64}, TChampBase::TStyle{60}, 0), "RHÔNE");
+  EXPECT_EQ(fiche.Elt.ChargeElement(TChampBase::TSousChamps{55}, TChampBase::TStyle{60}, 3), "FRANCE");
+  EXPECT_EQ(ConstuitChnLieuPointVirgule("", "", "", "France"), " ;  ;  ; France");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "rqbase/util/chaines.h"
+#include "rqbase/util/majuscules.h"
 
 #include <gtest/gtest.h>
 
@@ -43,6 +44,26 @@ TEST(Chaines, JointuresDesTextesComposes) {
   EXPECT_EQ(EntreParenthese("", true), "");
   EXPECT_EQ(Espace("x"), " ");
   EXPECT_EQ(Espace(""), "");
+}
+
+TEST(Chaines, AbregeChnCoupeApresUneConsonneOuDevantUnSeparateur) {
+  EXPECT_EQ(AbregeChn("Naissance", 3), "Nai.");
+  EXPECT_EQ(AbregeChn("Baptême", 3), "Bap.");
+  EXPECT_EQ(AbregeChn("Décès", 3), "Dé.");   // è est une voyelle : on recule jusqu'au c
+  EXPECT_EQ(AbregeChn("Saint-Denis", 5), "Saint");  // séparateur juste après la coupe
+  EXPECT_EQ(AbregeChn("Ma aie", 4), "Ma");          // un blanc trouvé en reculant : sans point
+  EXPECT_EQ(AbregeChn("Saint Jean", 7), "Saint .");  // le J est une consonne : le blanc reste
+  EXPECT_EQ(AbregeChn("Aie", 1), "A.");            // aucune consonne
+  EXPECT_EQ(AbregeChn("Lyon", 3), "Lyo.");
+  EXPECT_EQ(AbregeChn("Mariage", 10), "Mariage");
+  EXPECT_EQ(AbregeChn("", 0), "");
+}
+
+TEST(Chaines, MinusculesAvecOuSansCapitaleEnTete) {
+  EXPECT_EQ(LowerChaineAS("ÉLISE LEFÈVRE-ŒUVRE", 0), "élise lefèvre-œuvre");
+  EXPECT_EQ(LowerChaineAS("ÉLISE LEFÈVRE", 1), "Élise lefèvre");
+  EXPECT_EQ(LowerChaineAS("ŸVES ×2", 1), "Ÿves ×2");  // le signe de multiplication n'est pas une lettre
+  EXPECT_EQ(LowerChaineAS("", 1), "");
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "rqbase/fields/rendu_texte.h"
+#include "rqbase/places/texte_lieu.h"
 #include "rqbase/util/erreur.h"
 #include "rqbase/util/majuscules.h"
 
@@ -198,6 +200,31 @@ void TEltDupChn::CalcMaj() {
   UpperANSIChaine0(VilleMaj, Ville, 2);
   UpperANSIChaine0(CodeMaj, Code, 2);
   UpperANSIChaine0(PaysMaj, Pays, 2);
+}
+
+std::string TEltDupChn::ChargeElement(TChampBase::TStyle style, TChampBase::TStyle presentation,
+                                      TChampBase::TCasse casse) const {
+  std::string commune, region, pays;
+  GetVilleRegionPays(commune, region, pays);
+  std::string texte;
+  if (static_cast<int>(style) == 135)
+    texte = ConstuitChnLieuPointVirgule(commune, Code, region, pays);
+  else if (static_cast<int>(style) == 148)
+    texte = commune + '\x01' + Code + '\x01' + region + '\x01' + pays;
+  return AjusteCasseTexte(AjusteStyleTexte(texte, presentation), casse);
+}
+
+std::string TEltDupChn::ChargeElement(TChampBase::TSousChamps sousChamp, TChampBase::TStyle presentation,
+                                      TChampBase::TCasse casse) const {
+  std::string commune, region, pays;
+  GetVilleRegionPays(commune, region, pays);
+  const int sc = static_cast<int>(sousChamp);
+  const std::string texte = sc == 54 ? std::string(Code) : sc == 55 ? pays : sc == 64 ? region : commune;
+  return AjusteCasseTexte(AjusteStyleTexte(texte, presentation), casse);
+}
+
+std::string TEltDupChn::Charge() const {
+  return ChargeElement(TChampBase::TStyle{135}, TChampBase::TStyle{60}, 2);
 }
 
 void TEltDupChn::Raz() {
@@ -488,6 +515,21 @@ long TFicDupli::RangDeNumero(long numero) const {
   const int32_t position = Index[static_cast<size_t>(numero)];
   auto it = std::lower_bound(SansSuppr.begin(), SansSuppr.end(), position);
   return it != SansSuppr.end() && *it == position ? static_cast<long>(it - SansSuppr.begin()) : -1;
+}
+
+std::string TFicDupli::Charge(long numero) {
+  if (numero == 0) return "";
+  return TFicheDupli(this, numero, true).Elt.Charge();
+}
+
+std::string TFicDupli::RetDepartement(long numero) {
+  if (numero == 0) return "";
+  return TFicheDupli(this, numero, true).Elt.ChargeElement(TChampBase::TSousChamps{54}, TChampBase::TStyle{62}, 2);
+}
+
+std::string TFicDupli::RetCommune(long numero) {
+  if (numero == 0) return "";
+  return TFicheDupli(this, numero, true).Elt.ChargeElement(TChampBase::TSousChamps{53}, TChampBase::TStyle{60}, 2);
 }
 
 }  // namespace rqbase

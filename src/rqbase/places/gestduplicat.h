@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "rqbase/fields/champ_base.h"
 #include "rqbase/storage/fic_enreg.h"
 #include "rqbase/storage/g_tblvar.h"
 
@@ -51,6 +52,15 @@ class TEltDupChn : public TEltBaseTV {
   void Fixe(std::string& ville, std::string* code, std::string* region, std::string* pays, bool majuscule) const;
   // Les trois champs en capitales sans accents, depuis les trois champs simples.
   void CalcMaj();
+  // Le texte de l'élément selon un style : 135 « commune ; code ; région ; pays », 148 les
+  // quatre parties jointes par l'octet 0x01, tout autre style un texte vide ; puis le style de
+  // présentation et la casse.
+  std::string ChargeElement(TChampBase::TStyle style, TChampBase::TStyle presentation, TChampBase::TCasse casse) const;
+  // Une partie : sous-champ 54 le code, 55 le pays, 64 la région, tout autre la commune.
+  std::string ChargeElement(TChampBase::TSousChamps sousChamp, TChampBase::TStyle presentation,
+                            TChampBase::TCasse casse) const;
+  // ChargeElement(135, 60, 2).
+  std::string Charge() const;
   void Raz();
   bool Vide() const { return !Ville[0] && !Code[0] && !Pays[0]; }
   bool IsFicheSupprimee() const { return Etat == 'O'; }
@@ -126,6 +136,12 @@ class TFicDupli : public TFicEnregBase {
   void SupprimeElt(long rang);
   // Sans borne basse, voulu.
   bool NoFicheValide(long numero) const { return numero <= NbFiches(); }
+  // Textes d'un numéro lu en mémoire ; vides pour 0. Charge : TEltDupChn::Charge ;
+  // RetDepartement : le code (sous-champ 54) en ses deux premiers caractères (style 62) ;
+  // RetCommune : la commune (sous-champ 53) telle quelle.
+  std::string Charge(long numero);
+  std::string RetDepartement(long numero);
+  std::string RetCommune(long numero);
 
   long NbFiches() const { return Nombre; }
   TTableTV* Table() const { return TableElts.get(); }

@@ -80,4 +80,27 @@ std::string EntreParenthese(std::string_view s, bool blanc) {
 
 std::string Espace(std::string_view s) { return s.empty() ? std::string() : std::string(" "); }
 
+namespace {
+bool EstSeparateurAbrege(char c) { return c == ' ' || c == ':' || c == '-'; }
+bool EstConsonne(char c) {
+  const char m = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+  return m >= 'B' && m <= 'Z' && m != 'E' && m != 'I' && m != 'O' && m != 'U' && m != 'Y';
+}
+}  // namespace
+
+std::string AbregeChn(std::string_view s, int largeur) {
+  if (largeur < 0) largeur = 0;
+  const size_t l = static_cast<size_t>(largeur);
+  if (l >= s.size()) return std::string(s);
+  if (EstSeparateurAbrege(s[l])) return std::string(s.substr(0, l));
+  // De la coupe vers le début : la consonne ou le séparateur le plus proche.
+  for (size_t k = l + 1; k-- > 0;) {
+    if (!EstConsonne(s[k]) && !EstSeparateurAbrege(s[k])) continue;
+    std::string r(s.substr(0, k));
+    if (s.size() > 3 && !EstSeparateurAbrege(s[k]) && (k + 1 >= s.size() || !EstSeparateurAbrege(s[k + 1]))) r += '.';
+    return Trim(r);
+  }
+  return s.empty() ? std::string() : std::string(1, s[0]) + ".";
+}
+
 }  // namespace rqbase

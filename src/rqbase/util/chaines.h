@@ -33,5 +33,9 @@ std::string PointVirgule(std::string_view a, const char* b, bool blanc);
 std::string EntreParenthese(std::string_view s, bool blanc);
 // Un blanc quand s est non vide.
 std::string Espace(std::string_view s);
+// `s` abrégé à `largeur` caractères : coupé net devant un séparateur (blanc, ':' ou '-'),
+// sinon après la consonne la plus proche avant la coupe, suivi d'un point (mot de plus de 3
+// caractères) ; sans consonne, la première lettre et un point. Ne raccourcit jamais au-delà.
+std::string AbregeChn(std::string_view s, int largeur);
 
 }  // namespace rqbase

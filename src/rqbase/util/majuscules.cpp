@@ -91,4 +91,19 @@ std::string UpperANSIChaineAS(const std::string& texte, int mode) {
   return r;
 }
 
+std::string LowerChaineAS(const std::string& texte, int mode) {
+  std::string r = texte;
+  for (char& c : r) {
+    const auto u = static_cast<unsigned char>(c);
+    if ((u >= 'A' && u <= 'Z') || (u >= 0xC0 && u <= 0xDE && u != 0xD7))
+      c = static_cast<char>(u + 0x20);
+    else if (u == 0x8A || u == 0x8C || u == 0x8E)  // Š Œ Ž
+      c = static_cast<char>(u + 0x10);
+    else if (u == 0x9F)  // Ÿ
+      c = static_cast<char>(0xFF);
+  }
+  if (mode == 1 && !r.empty()) r = UpperANSIChaineAS(r.substr(0, 1), 1) + r.substr(1);
+  return r;
+}
+
 }  // namespace rqbase

@@ -27,5 +27,8 @@ void UpperChaine0(char* dest, const char* src, std::span<const TPaireMajuscule> 
 // Copie `src` dans `dest` (sauf si c'est le même tampon), en capitales selon `mode`.
 void UpperANSIChaine0(char* dest, const char* src, int mode);
 std::string UpperANSIChaineAS(const std::string& texte, int mode);
+// En minuscules Windows-1252 (les capitales accentuées deviennent leurs minuscules : É -> é,
+// Œ -> œ, Ÿ -> ÿ) ; mode 1 : le premier caractère ensuite en capitale, accent gardé.
+std::string LowerChaineAS(const std::string& texte, int mode);
 
 }  // namespace rqbase
