@@ -79,14 +79,26 @@ int32_t TBufferisationArbChrono::Retire(long no) {
 }
 
 int32_t TBufferisationArbChrono::ChassePlusPetit() {
-  while (!Tas.empty()) {
-    std::pop_heap(Tas.begin(), Tas.end(), std::greater<long>());
-    const long no = Tas.back();
-    Tas.pop_back();
+  while (Tas.size() > DebutTas) {
+    long no;
+    if (TasTrie) {
+      // Numéros venus en ordre croissant : le plus petit est en tête, sans tas à refaire.
+      no = Tas[DebutTas++];
+      if (DebutTas >= 4096 && 2 * DebutTas >= Tas.size()) {
+        Tas.erase(Tas.begin(), Tas.begin() + static_cast<std::ptrdiff_t>(DebutTas));
+        DebutTas = 0;
+      }
+    } else {
+      std::pop_heap(Tas.begin(), Tas.end(), std::greater<long>());
+      no = Tas.back();
+      Tas.pop_back();
+    }
     // Un numéro oublié entre-temps est passé. Tout numéro présent est dans le tas : le
     // premier présent qui en sort est donc le plus petit des présents.
     if (const int32_t place = Retire(no); place != kAbsent) return place;
   }
+  Tas.clear();
+  DebutTas = 0;
   return kAbsent;
 }
 
@@ -98,14 +110,26 @@ int32_t TBufferisationArbChrono::PlaceLibre() {
 }
 
 void TBufferisationArbChrono::NoteNumero(long no) {
-  if (Tas.size() >= 2 * Capacite + 16) {
+  if (Tas.size() - DebutTas >= 2 * Capacite + 16) {
     // Trop de numéros oubliés encombrent le tas : il est refait des seuls présents, `no`
-    // compris (il vient d'entrer dans l'index).
+    // compris (il vient d'entrer dans l'index), rangés : une suite croissante est un tas.
     Tas.clear();
+    DebutTas = 0;
     for (const TCase& c : Index)
       if (c.Place != kAbsent) Tas.push_back(c.No);
-    std::make_heap(Tas.begin(), Tas.end(), std::greater<long>());
+    std::sort(Tas.begin(), Tas.end());
+    TasTrie = true;
     return;
+  }
+  if (TasTrie) {
+    if (Tas.size() == DebutTas || no >= Tas.back()) {
+      Tas.push_back(no);
+      return;
+    }
+    // L'ordre croissant se rompt : ce qui reste, rangé, est déjà un tas.
+    Tas.erase(Tas.begin(), Tas.begin() + static_cast<std::ptrdiff_t>(DebutTas));
+    DebutTas = 0;
+    TasTrie = false;
   }
   Tas.push_back(no);
   std::push_heap(Tas.begin(), Tas.end(), std::greater<long>());
@@ -224,6 +248,8 @@ void TBufferisationArbChrono::RazBuffers() {
   Libres.clear();
   Reserve.clear();
   Tas.clear();
+  DebutTas = 0;
+  TasTrie = true;
 }
 
 }  // namespace rqbase

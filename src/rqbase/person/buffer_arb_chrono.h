@@ -99,6 +99,11 @@ class TBufferisationArbChrono : public TCachePersonnes {
   // Tas (le plus petit en tête) des numéros ajoutés. Un numéro oublié (Delete) y reste
   // jusqu'à ce qu'il remonte en tête : il est alors passé. Tout numéro présent y est.
   std::vector<long> Tas;
+  // Tant que les numéros arrivent en ordre croissant (un parcours), Tas est une suite rangée
+  // lue à partir de DebutTas : ni tas à refaire ni à défaire. Au premier numéro hors de l'ordre,
+  // la suite (déjà un tas) devient le tas.
+  bool TasTrie = true;
+  size_t DebutTas = 0;
 };
 
 }  // namespace rqbase
