@@ -1,0 +1,158 @@
+// Les commandes GEDCOM : importer un fichier dans un dossier, exporter un dossier.
+//
+//   rqbase importer FICHIER.ged DOSSIER [--creer]
+//     lit le fichier (jamais changé), puis écrit ses personnes, familles et faits dans le
+//     dossier (créé d'abord avec --creer) ; barre de progression sur un terminal, puis le
+//     rapport : les comptes, et chaque ligne non importée ou changée avec sa raison. --json :
+//     {"personnes", "familles", "evenements", "lieux", "sources", "medias", "notes",
+//     "avertissements": [{"ligne", "texte", "raison"}]}.
+//     Un fichier illisible sort avec le code 1 et un message, avant qu'aucun dossier soit
+//     créé ou touché ; un import qui échoue dans un dossier créé par --creer l'efface.
+//   rqbase exporter DOSSIER FICHIER.ged [--vivants exclure|anonymiser] [--remplacer]
+//     écrit le dossier en GEDCOM 5.5.1 UTF-8 ; un fichier existant n'est remplacé qu'avec
+//     --remplacer, et d'un seul coup. --json : {"personnes", "familles", "evenements",
+//     "sans_balise", "vivants"}.
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "commandes.h"
+#include "ouverture.h"
+#include "rqbase/dossier/gest_fic.h"
+#include "rqbase/gedcom/export_gedcom.h"
+#include "rqbase/gedcom/import_gedcom.h"
+#include "rqbase/platform/chemins.h"
+#include "rqbase/platform/remplacement.h"
+#include "rqbase/storage/datamodulebdd.h"
+#include "rqbase/util/erreur.h"
+#include "rqbase/util/fichiers.h"
+
+namespace fs = std::filesystem;
+
+namespace rqcli {
+
+namespace {
+
+using rqbase::ERqBase;
+using rqbase::TGestFichier;
+
+struct TOptionsGedcom {
+  std::string Fichier, Dossier, Vivants;
+  bool Creer = false, Remplacer = false;
+};
+
+// Le fichier GEDCOM entier, lu sans jamais l'ouvrir en écriture. Un tube ou un dossier
+// bloquerait ou n'aurait pas de fin : seul un fichier ordinaire est lu.
+std::string LitFichier(const std::string& chemin) {
+  std::error_code ec;
+  const fs::path os = rqbase::CheminOs(chemin);
+  if (!fs::exists(os, ec)) throw ERqBase("Le fichier \"" + chemin + "\" est introuvable.");
+  if (!fs::is_regular_file(os, ec)) throw ERqBase("\"" + chemin + "\" n'est pas un fichier ordinaire : il n'est pas lu.");
+  std::ifstream f(os, std::ios::binary);
+  if (!f) throw ERqBase("Le fichier \"" + chemin + "\" ne peut pas être lu.");
+  std::string octets((std::istreambuf_iterator<char>(f)), std::istreambuf_iterator<char>());
+  if (f.bad()) throw ERqBase("Le fichier \"" + chemin + "\" n'a pas pu être lu jusqu'au bout.");
+  return octets;
+}
+
+// Le .prs d'un dossier à créer (CHEMIN avec ou sans .rq2).
+std::string PrsACreer(const std::string& nom) {
+  fs::path p(rqbase::SupprimeSlashSiNecessaire(nom));
+  if (p.extension() != ".rq2") p = p.string() + ".rq2";
+  return (p / (p.stem().string() + ".prs")).string();
+}
+
+json Rapport(const rqbase::TRapportImport& r) {
+  json avert = json::array();
+  for (const auto& a : r.Avertissements)
+    avert.push_back({{"ligne", a.Ligne}, {"texte", Texte(a.Texte)}, {"raison", Texte(a.Raison)}});
+  return {{"personnes", r.Personnes}, {"familles", r.Familles}, {"evenements", r.Evenements},
+          {"lieux", r.Lieux},         {"sources", r.Sources},   {"medias", r.Medias},
+          {"notes", r.Notes},         {"avertissements", avert}};
+}
+
+void Importer(TContexteCli& ctx, const TOptionsGedcom& o) {
+  const std::string fichier = Arg(o.Fichier);
+  // Le fichier d'abord : illisible, rien n'est créé ni ouvert.
+  const std::string octets = LitFichier(fichier);
+  auto lu = rqbase::LitGedcom(octets);
+
+  std::unique_ptr<TGestFichier> gest;
+  if (o.Creer) {
+    const std::string prs = PrsACreer(Arg(o.Dossier));
+    gest = std::make_unique<TGestFichier>(prs, true, false, false, false, 0, rqbase::mcFormulaire, false);
+    if (gest->EnErreur()) {
+      const bool existe = gest->DerniereReponse() != 0;
+      const std::string message = gest->MessageErreur();
+      gest.reset();
+      if (existe) throw ERqBase("Le dossier \"" + Arg(o.Dossier) + "\" existe déjà : rien n'a été changé (sans --creer, l'import s'y ajoute).");
+      if (!message.empty()) throw ERqBase(message);
+      throw ERqBase("Le dossier \"" + Arg(o.Dossier) + "\" n'a pas pu être créé.");
+    }
+  } else {
+    gest = OuvrePourEcrire(o.Dossier, true);
+  }
+  rqbase::TRapportImport r;
+  try {
+    TProgressionTerminal progression;
+    r = rqbase::ImporteGedcom(*gest, *lu, &progression);
+    VerifieEcriture(*gest, "l'import est incomplet.");
+  } catch (...) {
+    // Un dossier que cette commande a créé ne reste pas à moitié rempli.
+    if (o.Creer) gest->SupprimeDossier();
+    throw;
+  }
+  if (ctx.Json) return EcritJson(Rapport(r));
+  Ecrit("Import de " + fichier + " (" + r.Codage + (r.Version.empty() ? "" : ", GEDCOM " + r.Version) + ")");
+  for (const std::string& l : rqbase::TexteRapport(r)) Ecrit(l);
+}
+
+void Exporter(TContexteCli& ctx, const TOptionsGedcom& o) {
+  rqbase::TVivantsExport vivants = rqbase::TVivantsExport::Tous;
+  if (o.Vivants == "exclure") vivants = rqbase::TVivantsExport::Exclure;
+  if (o.Vivants == "anonymiser") vivants = rqbase::TVivantsExport::Anonymiser;
+  const std::string cible = Arg(o.Fichier);
+  std::error_code ec;
+  const bool existe = fs::exists(fs::symlink_status(rqbase::CheminOs(cible), ec));
+  if (existe && !o.Remplacer)
+    throw ERqBase("Le fichier \"" + cible + "\" existe déjà : rien n'a été écrit (--remplacer pour le remplacer).");
+  auto gest = Ouvre(o.Dossier, true);
+  rqbase::TRapportExport r;
+  std::string texte;
+  {
+    TProgressionTerminal progression;
+    texte = rqbase::ExporteGedcom(*gest, vivants, r, &progression);
+  }
+  if (!rqbase::RemplaceFichier(cible, texte))
+    throw ERqBase("Le fichier \"" + cible + "\" n'a pas pu être écrit (ou n'est pas un fichier ordinaire) : rien n'a changé.");
+  if (ctx.Json)
+    return EcritJson({{"personnes", r.Personnes}, {"familles", r.Familles}, {"evenements", r.Evenements},
+                      {"sans_balise", r.SansBalise}, {"vivants", r.Vivants}});
+  Ecrit("Export vers " + cible + " : " + std::to_string(r.Personnes) + " personnes, " + std::to_string(r.Familles) +
+        " familles, " + std::to_string(r.Evenements) + " faits.");
+  if (r.SansBalise) Ecrit(std::to_string(r.SansBalise) + " faits sans balise GEDCOM dans le catalogue : non écrits.");
+  if (r.Vivants)
+    Ecrit(std::to_string(r.Vivants) + (vivants == rqbase::TVivantsExport::Exclure ? " personnes vivantes exclues."
+                                                                                    : " personnes vivantes anonymisées."));
+}
+
+}  // namespace
+
+void AjouteCommandesGedcom(CLI::App& app, TContexteCli& ctx) {
+  static TOptionsGedcom o;
+  auto* importer = app.add_subcommand("importer", U("Importe un fichier GEDCOM dans un dossier"));
+  importer->add_option("FICHIER", o.Fichier, U("Fichier GEDCOM (5.5, 5.5.1 ou 7.0)"))->required();
+  importer->add_option("DOSSIER", o.Dossier, U("Dossier .rq2 qui reçoit l'import"))->required();
+  importer->add_flag("--creer", o.Creer, U("Crée le dossier (il ne doit pas exister)"));
+  importer->callback([&ctx] { Importer(ctx, o); });
+
+  auto* exporter = app.add_subcommand("exporter", U("Exporte un dossier en GEDCOM 5.5.1 (UTF-8)"));
+  exporter->add_option("DOSSIER", o.Dossier, U("Dossier .rq2 ou fichier .prs"))->required();
+  exporter->add_option("FICHIER", o.Fichier, U("Fichier GEDCOM à écrire"))->required();
+  exporter->add_option("--vivants", o.Vivants, U("exclure ou anonymiser les personnes vivantes"))
+      ->check(CLI::IsMember({"exclure", "anonymiser"}));
+  exporter->add_flag("--remplacer", o.Remplacer, U("Remplace le fichier s'il existe"));
+  exporter->callback([&ctx] { Exporter(ctx, o); });
+}
+
+}  // namespace rqcli

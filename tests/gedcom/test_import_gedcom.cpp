@@ -1,0 +1,257 @@
+// Import et export GEDCOM dans un vrai dossier : la famille d'exemple, l'aller-retour, les
+// fichiers abîmés, les limites des tables de liens, les fichiers d'autres programmes.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "dossier_essai.h"
+#include "rqbase/dossier/gest_fic.h"
+#include "rqbase/gedcom/export_gedcom.h"
+#include "rqbase/gedcom/import_gedcom.h"
+#include "rqbase/notes/note.h"
+#include "rqbase/person/gest_pers.h"
+#include "rqbase/places/gestduplicat.h"
+#include "rqbase/platform/cp1252.h"
+#include "rqbase/platform/dialogue.h"
+#include "rqbase/storage/datamodulebdd.h"
+#include "rqbase/util/erreur.h"
+
+namespace rqbase {
+namespace {
+
+using testing::HasSubstr;
+
+std::string Donnees(const std::string& nom) {
+  std::ifstream f(std::string(RQ_DONNEES_GEDCOM) + "/" + nom, std::ios::binary);
+  EXPECT_TRUE(f.good()) << nom;
+  return std::string(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
+}
+
+class ImportGedcomTest : public testing::Test {
+ protected:
+  void SetUp() override { InstalleDialogue(&Dialogue_); }
+  void TearDown() override { InstalleDialogue(nullptr); }
+  std::unique_ptr<TGestFichier> Cree(const std::string& nom = "Essai") {
+    auto g = std::make_unique<TGestFichier>(Temp.Prs(nom), true);
+    EXPECT_FALSE(g->EnErreur());
+    return g;
+  }
+  TRapportImport Importe(TGestFichier& g, const std::string& octets) {
+    TRapportImport r = ImporteGedcom(g, octets);
+    EXPECT_FALSE(g.EnErreur());
+    return r;
+  }
+  // Les raisons du rapport, « ligne:raison ».
+  static std::vector<std::string> Raisons(const TRapportImport& r) {
+    std::vector<std::string> v;
+    for (const auto& a : r.Avertissements) v.push_back(std::to_string(a.Ligne) + ":" + a.Raison);
+    return v;
+  }
+  // Tout ce qu'un dossier tient d'une personne, en une ligne par fait.
+  static std::string Decrit(TGestFichier& g, long no) {
+    std::ostringstream s;
+    TPerson p(g.FicPersons(), no, true);
+    p.ChargeListes();
+    s << p.Enreg.Nom << "|" << p.Enreg.Prenoms << "|" << int(p.Enreg.PrenomUsuel) << "|" << p.Enreg.Sexe << "|"
+      << p.Enreg.Pere.No << "," << p.Enreg.Mere.No << "|";
+    for (const auto& c : p.Enreg.Conjoints)
+      if (c.No) s << c.No << " ";
+    s << "|";
+    for (const auto& e : p.Enreg.Enfants)
+      if (e.No) s << e.No << " ";
+    s << "\n";
+    TModuleBDD* bdd = g.ModuleBDD();
+    for (const TEvenementTV& ev : *p.Evens()) {
+      TEvenement::TEnreg e = ev.Enreg;
+      std::string ville, region, pays;
+      if (e.Lieu > 0) {
+        TFicheDupli f(g.FicLie(), e.Lieu, true);
+        f.Elt.GetVilleRegionPays(ville, region, pays);
+        ville += "/" + std::string(f.Elt.Code) + "/" + region + "/" + pays;
+      }
+      s << "  " << e.Libelle << " " << e.Date.ExportInString() << " " << ville << " [" << e.LieuDit << "] ["
+        << e.Donnee << "] " << e.NoPersA << "+" << e.NoPersB;
+      bdd->ChargerSourceOfEven(&e);
+      for (int i = 0; i < kNbSourcesEven && e.Sources[i]; ++i) s << " source:" << TSource(bdd, e.Sources[i]).Enreg.Descriptif;
+      bdd->ChargerPersAssocieeOfEven(&e);
+      for (const auto& pa : e.PersAssociees)
+        if (!pa.Vide()) s << " citée:" << pa.Lien.No;
+      if (e.Note > 0) s << " note:" << TNote(g.FicNotes(), e.Note).RecupNoteTxt("");
+      s << "\n";
+    }
+    for (const TChpsSimpleTV& c : *p.Chps()) s << "  " << c.Enreg.Libelle << " [" << c.Enreg.Donnee << "]\n";
+    if (p.Enreg.Note > 0) s << "  note:" << TNote(g.FicNotes(), p.Enreg.Note).RecupNoteTxt("") << "\n";
+    return s.str();
+  }
+  static std::string DecritTout(TGestFichier& g) {
+    std::string s;
+    for (long no = 1; no <= g.FicPersons()->NbPersEffective(); ++no) s += std::to_string(no) + ": " + Decrit(g, no);
+    return s;
+  }
+  // Aucun lien à sens unique : la réparation ne trouverait rien à faire.
+  static void LiensSymetriques(TGestFichier& g) {
+    for (long no = 1; no <= g.FicPersons()->NbPersEffective(); ++no) {
+      TPerson p(g.FicPersons(), no);
+      EXPECT_FALSE(p.VerifLienSysmetrique()) << "personne " << no;
+    }
+  }
+
+  essai::TDossierTemp Temp;
+  TDialogueFixe Dialogue_{ReponseNon};
+};
+
+TEST_F(ImportGedcomTest, FamilleExempleEntiere) {
+  auto g = Cree();
+  const TRapportImport r = Importe(*g, Donnees("famille_exemple.ged"));
+  EXPECT_EQ(r.Personnes, 8);
+  EXPECT_EQ(r.Familles, 3);
+  EXPECT_EQ(r.Evenements, 17);
+  EXPECT_EQ(r.Lieux, 4);
+  EXPECT_EQ(r.Sources, 2);
+  EXPECT_EQ(r.Notes, 1);
+  EXPECT_EQ(r.Version, "5.5.1");
+  EXPECT_TRUE(r.Avertissements.empty()) << Raisons(r).front();
+  EXPECT_EQ(g->FicPersons()->NbPersEffective(), 8);  // le numéro 1 du dossier neuf est repris
+  EXPECT_EQ(Decrit(*g, 3),
+            "Lefèvre|Jean Baptiste|2|M|1,2|4 |6 5 \n"
+            "  NAISSANCE #  G14/06/1821# Amiens/80/Picardie/France [Saint-Leu] [] 3+0\n"
+            "  UNION #  G08/05/1845# Saint-Étienne/42/Rhône-Alpes/France [] [] 3+4 source:Registre paroissial de "
+            "Saint-Étienne, acte 112 citée:1\n"
+            "  RESIDENCE #  G1850/1860#  [] [12 rue des Majots] 3+0\n"
+            "  PROFESSION   [] [tisserand] 3+0\n"
+            "  PROFESSION   [] [aubergiste] 3+0\n");
+  EXPECT_EQ(Decrit(*g, 1),
+            "Lefèvre|Pierre|0|M|0,0|2 |3 \n"
+            "  NAISSANCE #  G02/02/1790# Amiens/80/Picardie/France [] [] 1+0 source:Registres paroissiaux d'Amiens, "
+            "Saint-Leu, Archives départementales de la Somme, folio 12\n"
+            "  DECES #  R12/VENT/10# Amiens/80/Picardie/France [] [] 1+0 citée:3\n"
+            "  UNION #  G10/01/1815# Amiens/80/Picardie/France [] [] 1+2\n"
+            "  PROFESSION   [] [Tisserand] 1+0\n"
+            "  note:Pierre tenait un métier à tisser rue des Majots ; son fils\r\na repris l'atelier en 1845.\n");
+  EXPECT_THAT(Decrit(*g, 7), testing::StartsWith("de La Fontaine|Jeanne|0|F|0,0|6 |8 \n  NAISSANCE #  G1850/1855#"));
+  LiensSymetriques(*g);
+}
+
+TEST_F(ImportGedcomTest, AllerRetourDonneLeMemeDossier) {
+  auto a = Cree("Premier");
+  Importe(*a, Donnees("famille_exemple.ged"));
+  TRapportExport re;
+  const std::string ged = ExporteGedcom(*a, TVivantsExport::Tous, re);
+  EXPECT_EQ(re.Personnes, 8);
+  EXPECT_EQ(re.Familles, 3);
+  EXPECT_EQ(re.SansBalise, 0);
+  EXPECT_THAT(ged, HasSubstr("1 CHAR UTF-8\n"));
+  EXPECT_THAT(ged, HasSubstr("0 @I3@ INDI\n1 NAME Jean \"Baptiste\" /Lef\xC3\xA8vre/\n"));  // UTF-8
+  auto b = Cree("Second");
+  const TRapportImport r = Importe(*b, ged);
+  EXPECT_TRUE(r.Avertissements.empty()) << Raisons(r).front();
+  EXPECT_EQ(DecritTout(*a), DecritTout(*b));
+  // Et l'export du second est celui du premier, à l'octet.
+  TRapportExport re2;
+  EXPECT_EQ(ExporteGedcom(*b, TVivantsExport::Tous, re2), ged);
+}
+
+TEST_F(ImportGedcomTest, FichierAbimeDonneUnRapportEtDesLiensSymetriques) {
+  const std::string ged =
+      "0 HEAD\n"
+      "0 @I1@ INDI\n1 NAME Paul /Martin/\n1 SEX M\n1 FAMS @F1@\n1 FAMC @F2@\n"  // 2-6
+      "0 @I2@ INDI\n1 NAME Marie /Durand/\n1 SEX F\n1 _INCONNU valeur\n"    // 7-10
+      "0 @I2@ INDI\n1 NAME Double /Durand/\n"                                 // 11-12
+      "0 @I3@ INDI\n1 NAME Luc /Martin/\n1 BIRT\n2 DATE 31 FEB 1900\n"         // 13-16
+      "0 @F1@ FAM\n1 HUSB @I1@\n1 WIFE @I2@\n1 HUSB @I3@\n1 CHIL @I3@\n1 CHIL @I9@\n"  // 17-22
+      "0 @F2@ FAM\n1 HUSB @I3@\n"                                             // 23-24 : cycle I1 <-> I3
+      "0 @F3@ FAM\n"                                                          // 25 : sans membre
+      "0 @F4@ FAM\n1 HUSB @I1@\n1 WIFE @I1@\n"                                // 26-28 : lui-même
+      "0 TRLR\n";
+  auto g = Cree();
+  const TRapportImport r = Importe(*g, ged);
+  EXPECT_EQ(r.Personnes, 4);  // la référence en double donne tout de même une personne
+  const std::vector<std::string> raisons = Raisons(r);
+  for (const char* attendu :
+       {"10:balise que le catalogue ne connaît pas : non importée",
+        "11:référence en double : les renvois vont au premier enregistrement de cette référence",
+        "16:date hors des bornes du calendrier : texte gardé dans la note de l'événement",
+        "20:deuxième conjoint de même place dans la famille : le premier est gardé",
+        "22:renvoi vers une personne absente du fichier",
+        "25:famille sans membre : non importée",
+        "26:la même personne est les deux conjoints de la famille : seconde place laissée"})
+    EXPECT_THAT(raisons, testing::Contains(std::string(attendu)));
+  // Le cycle : un des deux liens de parent n'est pas écrit.
+  EXPECT_THAT(raisons, testing::Contains(HasSubstr("cycle de parents")));
+  // I1 est la personne 1, le double de I2 la 3, I3 la 4.
+  TPerson p1(g->FicPersons(), 1), p3(g->FicPersons(), 4);
+  const long pere1 = p1.Enreg.Pere.No, pere3 = p3.Enreg.Pere.No;
+  EXPECT_TRUE(pere1 == 0 || pere3 == 0);
+  EXPECT_THAT(Decrit(*g, 4), HasSubstr("note:Date : 31 FEB 1900"));
+  LiensSymetriques(*g);
+}
+
+TEST_F(ImportGedcomTest, Le151eEnfantEstDitEtPasEcrit) {
+  std::string ged = "0 HEAD\n0 @P@ INDI\n1 NAME Pere /Nombreux/\n1 SEX M\n";
+  for (int i = 0; i < 152; ++i) ged += "0 @E" + std::to_string(i) + "@ INDI\n1 NAME E" + std::to_string(i) + " /Nombreux/\n";
+  ged += "0 @F1@ FAM\n1 HUSB @P@\n";
+  for (int i = 0; i < 152; ++i) ged += "1 CHIL @E" + std::to_string(i) + "@\n";
+  ged += "0 TRLR\n";
+  auto g = Cree();
+  const TRapportImport r = Importe(*g, ged);
+  EXPECT_EQ(r.Personnes, 153);
+  TPerson pere(g->FicPersons(), 1);
+  EXPECT_EQ(pere.CompteNbEnfant(), 150);
+  TPerson dernier(g->FicPersons(), 153);
+  const long pereDuDernier = dernier.Enreg.Pere.No;
+  EXPECT_EQ(pereDuDernier, 0);
+  long dits = 0;
+  for (const auto& a : r.Avertissements) dits += a.Raison == "151e enfant : lien avec cet enfant non écrit";
+  EXPECT_EQ(dits, 2);
+  LiensSymetriques(*g);
+}
+
+TEST_F(ImportGedcomTest, FichierIllisibleNeChangeRien) {
+  auto g = Cree();
+  g->FermerFichiers();
+  g.reset();
+  const auto avant = essai::Instantane(Temp.Dossier());
+  g = std::make_unique<TGestFichier>(Temp.Prs(), false);
+  EXPECT_THROW(ImporteGedcom(*g, std::string(4096, '\xFF')), ERqBase);
+  EXPECT_THROW(ImporteGedcom(*g, ""), ERqBase);
+  g.reset();
+  EXPECT_EQ(essai::Instantane(Temp.Dossier()), avant);
+}
+
+TEST_F(ImportGedcomTest, FichiersDAutresProgrammes) {
+  auto g = Cree();
+  TRapportImport r = Importe(*g, Donnees("gramps-sample.ged"));
+  EXPECT_EQ(r.Personnes, 42);
+  EXPECT_EQ(r.Familles, 15);
+  LiensSymetriques(*g);
+  auto h = Cree("Lifelines");
+  r = Importe(*h, Donnees("lifelines-ti.ged"));
+  EXPECT_EQ(r.Personnes, 10);
+  EXPECT_THAT(Raisons(r), testing::Contains(HasSubstr("deuxième conjoint de même place")));
+  LiensSymetriques(*h);
+}
+
+TEST_F(ImportGedcomTest, VivantsExclusOuAnonymises) {
+  const std::string ged =
+      "0 HEAD\n0 @I1@ INDI\n1 NAME Ancien /Martin/\n1 BIRT\n2 DATE 1850\n1 DEAT\n2 DATE 1910\n1 FAMS @F1@\n"
+      "0 @I2@ INDI\n1 NAME Recent /Martin/\n1 BIRT\n2 DATE 1990\n1 FAMC @F1@\n"
+      "0 @F1@ FAM\n1 HUSB @I1@\n1 CHIL @I2@\n0 TRLR\n";
+  auto g = Cree();
+  Importe(*g, ged);
+  TRapportExport r;
+  std::string s = ExporteGedcom(*g, TVivantsExport::Exclure, r);
+  EXPECT_EQ(r.Vivants, 1);
+  EXPECT_EQ(r.Personnes, 1);
+  EXPECT_THAT(s, testing::Not(HasSubstr("Recent")));
+  EXPECT_THAT(s, testing::Not(HasSubstr("@I2@")));
+  s = ExporteGedcom(*g, TVivantsExport::Anonymiser, r);
+  EXPECT_EQ(r.Personnes, 2);
+  EXPECT_THAT(s, testing::Not(HasSubstr("Recent")));
+  EXPECT_THAT(s, HasSubstr("0 @I2@ INDI\n1 NAME Vivant //\n1 SEX U\n1 FAMC @F1@\n"));
+}
+
+}  // namespace
+}  // namespace rqbase
