@@ -169,6 +169,12 @@ class TPerson {
   bool EstFemme() const { return Enreg.Sexe == 'F'; }
   void GetVectorEnfants(std::vector<long>& enfants) const;
   void SetVectorEnfants(const std::vector<long>& enfants);
+  // Par l'estimation des dates de vie (estimation_personne.cpp) ; -1.0 : aujourd'hui, où un
+  // décès noté, même sans date, suffit. Présumée vivante sauf morte à coup sûr avant la date
+  // ou née à coup sûr après elle.
+  bool EstPresumeVivante(float date = -1.0f);
+  // Un décès noté, ou un décès estimé au plus tard avant aujourd'hui.
+  bool IsDeadToday();
 
   // --- Modifications de la fiche seule ---
   void SetNom(const std::string& nom);
