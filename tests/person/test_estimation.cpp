@@ -7,6 +7,8 @@
 
 #include <cmath>
 #include <filesystem>
+#include <random>
+#include <vector>
 
 #include "dossier_essai.h"
 #include "rqbase/dossier/gest_fic.h"
@@ -437,6 +439,17 @@ TEST_F(EstimationTest, CycleDeParentsEtDatesAbsurdesSeTerminent) {
   const TEstimationPersonne ea = Estime(a);
   EXPECT_EQ(ea.AnneeNaissance, kInc);  // l'année 0 ne se lit pas
   EXPECT_OUVERT(ea.IntervalFaits);     // la fourchette renversée ne dit rien
+
+  // Vivant avant 1850 et après 2000 : naissance ouverte en bas, décès ouvert en haut, que
+  // rien ne relie (cent ans de vie ne suffisent pas). La dernière règle d'incohérence met la
+  // naissance de 2000 à 1850 (renversée, donc oubliée) et le décès en 2000.
+  const long c = Ajoute("C");
+  Even(c, "RESIDENCE", "../../1849", 0, "<");
+  Even(c, "RESIDENCE", "../../2000", 0, ">");
+  const TEstimationPersonne ec = Estime(c);
+  VerifieSain(ec);
+  EXPECT_OUVERT(ec.IntervalNaissance);
+  EXPECT_BORNES(ec.IntervalDeces, 2000 + kJ1, 2000 + kJ1);
 }
 
 TEST_F(EstimationTest, CentCinquanteEnfants) {
@@ -467,6 +480,57 @@ TEST_F(EstimationTest, CentCinquanteEnfants) {
   // écartés, sans la rendre vide ni renversée. Le décès reste dans les cent ans.
   EXPECT_BORNES(e.IntervalNaissance, 1782 + kJ1, 1782 + kJ1);
   EXPECT_BORNES(e.IntervalDeces, 1839 + kJ1, 1882 + kJ1);
+}
+
+TEST_F(EstimationTest, FamilleAuHasardJamaisDIntervalleRenverse) {
+  // Des liens posés sans contrôle (cycles, soi-même, hors du fichier) et des dates de toutes
+  // les formes, justes ou absurdes ; graine fixe. Chaque personne est estimée en entier, avec
+  // les règles de l'utilisateur, la forme moyenne et un cache partagé : rien ne doit être
+  // renversé ni valoir autre chose qu'un nombre.
+  struct TDateEssai {
+    char calendrier;
+    const char* texte;
+  };
+  const TDateEssai dates[] = {{'G', "01/01/1850"}, {'G', "../../1850"}, {'G', "1850/1860"}, {'G', "..../1850"},
+                              {'G', "1850/...."},  {'G', "1900/1800"},  {'G', "00/00/0000"}, {'G', "31/12/9999"},
+                              {'G', "../02/1793"}, {'R', "10/VENT/05"}, {'A', "0500/0400"}, {'A', "../../0044"},
+                              {'H', "01/01/5600"}, {'G', "xx/yy/zzzz"}, {'G', ""}};
+  const char* actes[] = {"", "<", ">", "ca", "?", "p"};
+  const char* libelles[] = {"NAISSANCE", "BAPTEME", "DECES", "INHUMATION", "RESIDENCE", "UNION", "PROFESSION"};
+  std::mt19937 hasard(42);
+  auto tire = [&](int n) { return static_cast<int>(hasard() % static_cast<unsigned>(n)); };
+  std::vector<long> nos;
+  for (int i = 0; i < 40; ++i) nos.push_back(Ajoute("P", "MF?"[i % 3]));
+  auto quelquun = [&]() -> long { return tire(10) == 0 ? 999 : nos[static_cast<size_t>(tire(40))]; };
+  Gest->ModuleBDD()->BeginImport();
+  for (const long no : nos) {
+    TPerson p(Fic, no, true);
+    p.Enreg.Pere = TLienPers(quelquun());
+    p.Enreg.Mere = TLienPers(quelquun());
+    for (int k = 0; k < tire(4); ++k) p.Enreg.Conjoints[k] = TLienConj(quelquun());
+    for (int k = 0; k < tire(6); ++k) p.Enreg.Enfants[k] = TLienPers(quelquun());
+    for (int k = 0; k < tire(6); ++k) {
+      TEvenement e(Gest->ModuleBDD());
+      e.Enreg.SetLibelle(libelles[tire(7)]);
+      const TDateEssai& d = dates[tire(15)];
+      e.Enreg.Date = TDateRQ(d.calendrier, d.texte);
+      e.Enreg.Date.SetActe(actes[tire(6)]);
+      e.Enreg.NoPersA = no;
+      ASSERT_TRUE(p.AjoutEven(&e, true, false, false));
+    }
+    p.Enregistrement();
+  }
+  Gest->ModuleBDD()->EndImport();
+  TEstimationCalculee cache;
+  int bornees = 0;
+  for (const long no : nos) {
+    const TEstimationPersonne e = Estime(no, true, true, &cache);
+    VerifieSain(e);
+    VerifieSain(Estime(no));
+    if (!e.IntervalNaissance.InfOuvert || !e.IntervalNaissance.SupOuvert) ++bornees;
+  }
+  EXPECT_EQ(cache.Portee(nos[0]), 1);
+  EXPECT_GT(bornees, 10);  // l'essai a de quoi se tromper : bien des naissances sont bornées
 }
 
 }  // namespace
