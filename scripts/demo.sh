@@ -63,3 +63,19 @@ etape "Un lien qui ferait une boucle est refusé" lier Famille --pere 7 --enfant
 etape "Suppression d'Élise (restaurable)" supprimer-personne Famille 4
 etape "Restauration d'Élise, ses liens retrouvés" restaurer-personne Famille 4
 etape "Marie Louise après la restauration" personne Famille 3
+
+printf '\n== GEDCOM : la famille d'"'"'exemple, écrite pour le projet, importée dans un dossier neuf\n'
+# Le script s'est placé dans son dossier de travail : son chemin se lit depuis le dossier d'appel.
+ged="$(cd "$OLDPWD" && cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)/tests/gedcom/donnees/famille_exemple.ged"
+cp "$ged" famille_exemple.ged
+etape "Import (le fichier n'est jamais changé)" importer famille_exemple.ged Gedcom --creer
+etape "Quatre générations importées" personnes Gedcom
+etape "Jean Baptiste : prénom usuel, liens, union avec témoin et source, résidence en fourchette" personne Gedcom 3
+etape "Pierre : décès au calendrier républicain, témoin cité" evenements Gedcom 1
+etape "Export en GEDCOM 5.5.1 (UTF-8)" exporter Gedcom export.ged
+head -n 24 export.ged
+etape "Relu dans un autre dossier : les mêmes comptes" --json importer export.ged Relu --creer
+printf '\n== Un fichier qui n'"'"'est pas du GEDCOM est refusé, sans laisser de dossier\n'
+printf '\x7fELF\x02\x01\x01 binaire' > binaire.ged
+"$rqbase" importer binaire.ged Binaire --creer || echo "(code de sortie $?)"
+ls -d Binaire.rq2 2>/dev/null || echo "(aucun dossier Binaire.rq2)"

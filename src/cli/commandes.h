@@ -14,6 +14,7 @@ void AjouteCommandesEvenements(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesNoms(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesFamille(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesFaits(CLI::App& app, TContexteCli& ctx);
+void AjouteCommandesGedcom(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesEstimation(CLI::App& app, TContexteCli& ctx);
 
 // Une date tapée par l'utilisateur (UTF-8) : la forme exportée "#<acte><calendrier><date>#",

@@ -100,6 +100,7 @@ int main(int argc, char** argv) {
   AjouteCommandesNoms(app, ctx);
   AjouteCommandesFamille(app, ctx);
   AjouteCommandesFaits(app, ctx);
+  AjouteCommandesGedcom(app, ctx);
   AjouteCommandesEstimation(app, ctx);
 
   FranciseSousCommandes(app);

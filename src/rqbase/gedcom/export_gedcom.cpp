@@ -1,7 +1,6 @@
 #include "rqbase/gedcom/export_gedcom.h"
 
 #include <algorithm>
-#include <ctime>
 #include <map>
 #include <unordered_map>
 #include <vector>
@@ -13,7 +12,6 @@
 #include "rqbase/gedcom/lieux_gedcom.h"
 #include "rqbase/index/prenom_usuel.h"
 #include "rqbase/notes/note.h"
-#include "rqbase/person/estimation_personne.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/places/gestduplicat.h"
 #include "rqbase/platform/cp1252.h"
@@ -124,23 +122,9 @@ class TExport {
   std::unordered_map<long, std::vector<long>> Fams2;  // familles où la personne est conjoint
 };
 
-bool TExport::EstVivant(TPerson& p) {
-  TEvenement::TEnreg e;
-  if (p.RetEvenDeces(&e) > 0 || p.RetEvenInhumation(&e) > 0) return false;
-  TEstimationPersonne est;
-  est.EstimePersonne(p.No(), &p);
-  std::time_t t = std::time(nullptr);
-  std::tm tm{};
-  gmtime_r(&t, &tm);
-  const float annee = float(tm.tm_year + 1900);
-  // Un décès daté, ou forcément passé (la borne haute de l'estimation est derrière nous).
-  if (est.AnneeDeces != kIncalculableF || (!est.IntervalDeces.SupOuvert && est.IntervalDeces.Sup < annee)) return false;
-  const float limite = annee - 100;
-  if (est.AnneeNaissance != kIncalculableF) return est.AnneeNaissance >= limite;
-  if (!est.IntervalNaissance.SupOuvert && est.IntervalNaissance.Sup < limite) return false;
-  if (!est.IntervalNaissance.InfOuvert) return est.IntervalNaissance.Inf >= limite;
-  return true;  // rien ne date sa vie : tenue pour vivante, par prudence
-}
+// La règle de la bibliothèque : présumée vivante sauf morte à coup sûr (décès noté, ou fin
+// de vie estimée avant aujourd'hui). Sans aucune date, une personne est tenue pour vivante.
+bool TExport::EstVivant(TPerson& p) { return p.EstPresumeVivante(); }
 
 // Les familles : un couple, ou le parent seul d'un enfant dont l'autre parent manque.
 void TExport::Familles() {

@@ -7,9 +7,9 @@
 // - Les personnes supprimées ne s'écrivent pas, ni les liens vers elles.
 // - Relu par ImporteGedcom, le fichier redonne les mêmes personnes, liens, faits, dates,
 //   lieux, sources, médias, personnes citées et notes.
-// - Vivants : une personne sans décès (ni inhumation) connu dont la naissance, notée ou
-//   estimée, tombe dans les cent dernières années, ou dont rien ne date la vie, est tenue pour
-//   vivante. `Exclure` ne l'écrit pas (ni ses liens) ; `Anonymiser` écrit « Vivant » à la place
+// - Vivants : une personne présumée vivante par l'estimation des dates de vie
+//   (TPerson::EstPresumeVivante : ni décès noté, ni fin de vie estimée avant aujourd'hui ;
+//   sans aucune date, vivante). `Exclure` ne l'écrit pas (ni ses liens) ; `Anonymiser` écrit « Vivant » à la place
 //   de son nom et de ses prénoms, sans ses faits ni ses notes, ses liens gardés.
 // - Le texte est produit en mémoire ; l'appelant l'écrit (voir RemplaceFichier).
 #pragma once

@@ -490,7 +490,9 @@ bool TImport::FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenem
   A.Enfants(i, [&](uint32_t j) {
     const std::string tag(A.Tag(j));
     const std::string_view v = A.Valeur(j);
-    if (tag == "DATE") {
+    if (tag == "DATE" && Trim(v).empty()) {
+      Avertit(j, "date vide : laissée");
+    } else if (tag == "DATE") {
       std::string raison;
       TDateRQ d;
       const bool ok = DateGedcomVersRQ(v, d, raison);
@@ -816,7 +818,7 @@ void TImport::Lance() {
   for (const uint32_t i : racines) {
     const std::string_view tag = A.Tag(i);
     if ((tag == "SOUR" || tag == "OBJE" || tag == "NOTE") && !Cites[i])
-      Avertit(i, "enregistrement que rien ne cite dans le fichier : non importé");
+      Avertit(i, "enregistrement qu'aucune ligne importée ne cite : non importé");
   }
   Gest.EcritureEntete();
   Gest.Flush();
