@@ -3,7 +3,8 @@
 // datés à elle : chaque tour est une estimation entière (passes des proches comprises), sans
 // cache d'estimations, proches lus par le cache des personnes et leurs événements par la base.
 // À titre de comparaison : la même avec un cache d'estimations déjà rempli (série), et
-// l'estimation simple (sans les proches).
+// l'estimation simple (sans les proches) ; et le débit de FourchetteDeVie sur tout le dossier,
+// ce que l'index des noms paie à sa reconstruction.
 //
 // Le dossier est fait une fois dans le dossier temporaire des mesures.
 #include <benchmark/benchmark.h>
@@ -112,5 +113,23 @@ void BM_EstimationSimple(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_EstimationSimple)->Unit(benchmark::kMicrosecond);
+
+// Ce que l'index des noms paie par personne (FourchetteDeVie, estimation entière) sur toutes
+// les personnes du dossier, à la suite : items/s donne le débit d'une reconstruction.
+void BM_FourchetteDeVieToutLeDossier(benchmark::State& state) {
+  TFamille& f = Famille();
+  TFicPersons* fic = f.Gest->FicPersons();
+  const long n = fic->NbPersEffective();
+  TPerson p(fic, -3);
+  for (auto _ : state) {
+    for (long no = 1; no <= n; ++no) {
+      p.Lecture(no, false, 0, true);
+      float min = 0, max = 0;
+      benchmark::DoNotOptimize(FourchetteDeVie(p, min, max));
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * n);
+}
+BENCHMARK(BM_FourchetteDeVieToutLeDossier)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
