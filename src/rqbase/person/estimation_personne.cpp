@@ -156,7 +156,9 @@ void TEstimationPersonne::EstimePersonne(long no, TPerson* p, bool simple, bool 
     EstimeFourchetteUnion(*p);
     EstimeFourchetteUnionRapportEnfants(*p);
     if (utilisateur) TraiteIncoherencesUtilisateurNaissanceMort();
-    if (!simple && Profondeur < kProfondeurMax) {
+    // Les proches ne bornent que la naissance et le décès : deux années notées les rendent muets.
+    const bool vieInconnue = AnneeNaissance == kIncalculableF || AnneeDeces == kIncalculableF;
+    if (!simple && Profondeur < kProfondeurMax && vieInconnue) {
       EstimeFourchetteRapportEnfants(*p);
       EstimeFourchetteRapportParents(*p);
       EstimeFouchetteNaissanceRapportConjoints(*p);
