@@ -15,7 +15,9 @@
 
 #include "rqbase/fields/chp_cs.h"
 #include "rqbase/fields/def_chps_cs.h"
+#include "rqbase/index/index_personnes.h"
 #include "rqbase/notes/fic_notes.h"
+#include "rqbase/person/gest_pers.h"
 #include "rqbase/places/gestduplicat.h"
 #include "rqbase/platform/attributs.h"
 #include "rqbase/platform/chemins.h"
@@ -79,9 +81,14 @@ TGestFichier::TGestFichier(const std::string& chemin, bool nouveau, bool a, bool
 
   if (!sansOuverture && !nouveau) {
     OuvrirFichier(a, b);
-    // Les mises à jour d'ouverture d'un dossier modifiable dont la base est ouverte : place
-    // de la reconstruction de l'index ("INDEXNAME"), puis la question de la profession.
-    if (BDD && BDD->EstOuverte() && !LectureSeule) MetAJourProfession();
+    // Les mises à jour d'ouverture d'un dossier modifiable dont la base est ouverte : l'index
+    // des noms jamais fait l'est ("INDEXNAME", marqué seulement s'il a été mené à son terme),
+    // puis la question de la profession.
+    if (BDD && BDD->EstOuverte() && !LectureSeule) {
+      if (Index && BDD->GetInfoChps("INDEXNAME") == "0" && Index->ReinitTableIndex(BDD->Progression))
+        BDD->MAJInfoChps("INDEXNAME", "UPDATED");
+      MetAJourProfession();
+    }
   }
   ClassementTypeEven = LitPreferenceEntier(SectionPreferences(), "Type de classement des evenements", 0) == 1;
   // Place des listes de lieux du processus.
@@ -186,6 +193,10 @@ void TGestFichier::RelieBase() {
   if (TFicNotes* notes = Notes.get()) BDD->NbNotes = [notes] { return notes->NbBlocs(); };
 }
 
+void TGestFichier::ModifClef(TPerson& personne, bool enregistrer) {
+  if (Index) Index->ModifClef(&personne, enregistrer);
+}
+
 bool TGestFichier::IsIDPersExists(const std::string& id) {
   if (!BDD || !BDD->EstOuverte()) return false;
   return BDD->Protege([&] {
@@ -210,6 +221,7 @@ void TGestFichier::AjouteObjets(bool sansTest) {
   // Place de TFicSosas ; puis les notes ; puis places de TFicIndexPerson, TFicNoticesPat,
   // le catalogue TDefChpsCs et les équivalences de noms TTabNomEquiv.
   if (peut()) Notes = std::make_unique<TFicNotes>(this, false);
+  if (peut()) Index = std::make_unique<TFicIndexPerson>(this, false);
   if (peut()) DefChpsCs = std::make_unique<TDefChpsCs>(this, false);
 }
 
@@ -313,6 +325,7 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
   // Place de TFicSosas ; les notes ; places de TFicIndexPerson, TFicNoticesPat, TDefChpsCs,
   // TTabNomEquiv.
   Notes = std::make_unique<TFicNotes>(this, true);
+  Index = std::make_unique<TFicIndexPerson>(this, true);
   DefChpsCs = std::make_unique<TDefChpsCs>(this, true);
   // Un dossier neuf naît à jour : son catalogue a déjà PROFESSION pour événement, et aucune
   // ouverture ne devra plus poser la question ni écrire la clé.
@@ -339,6 +352,13 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
     // s'écrivent ici quand les champs simples et TFicSosas sont là.
     asNoStradoCujus = 1;
   }
+  // L'index des noms d'un dossier neuf est fait d'emblée : la première personne y entre, et
+  // la clé le dit (la première ouverture n'a rien à reconstruire).
+  if (premierePersonne == 1) {
+    TPerson premiere(Persons.get(), no);
+    Index->ModifClef(&premiere, true);
+  }
+  BDD->MAJInfoChps("INDEXNAME", "UPDATED");
   SetStateCum(2);
   EcritureEntete();
   Flush();
@@ -346,6 +366,7 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
 
 void TGestFichier::FermerFichiers() {
   BDD.reset();  // la base d'abord
+  Index.reset();  // sa mémoire gardée dans le .prx (la base n'y sert plus)
   Persons.reset();
   Qua.reset();
   Par.reset();

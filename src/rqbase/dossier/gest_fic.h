@@ -30,6 +30,7 @@ namespace rqbase {
 class TDefChpsCs;
 class TFicNotes;
 class TFicDupli;
+class TFicIndexPerson;
 
 // 0 : un ancien dossier reste tel quel, en lecture seule ; 1 : le formulaire de
 // conversion est proposé ; 2 : un ancien dossier s'ouvre sans protection.
@@ -127,6 +128,10 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   TFicExtEvens* FicExtEvens() const { return ExtEvens.get(); }
   // Le catalogue des champs ; nul tant qu'il n'est pas ouvert.
   TDefChpsCs* GetDefChpsCs() const override { return DefChpsCs.get(); }
+  // L'index des noms (IndexNomPrenoms et sa table en mémoire) ; nul tant qu'il n'est pas ouvert.
+  TFicIndexPerson* FicIndexPerson() const { return Index.get(); }
+  // Une personne enregistrée met ses lignes de l'index d'accord avec elle.
+  void ModifClef(TPerson& personne, bool enregistrer) override;
   // L'ordre des événements d'une personne enregistrée : par type puis par date (préférence
   // « Type de classement des evenements » à 1), sinon par date seule ; lu à l'ouverture.
   bool ClassementParType() const override { return ClassementTypeEven; }
@@ -167,6 +172,7 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   std::unique_ptr<TModuleBDD> BDD;
   std::unique_ptr<TFicNotes> Notes;
   std::unique_ptr<TDefChpsCs> DefChpsCs;
+  std::unique_ptr<TFicIndexPerson> Index;
 };
 
 // Construit dossier, `<nom>.rq2/` et nom de fichier : rend le chemin du .prs.
