@@ -41,11 +41,12 @@ class IndexTest : public testing::Test {
     ::setenv("XDG_DATA_HOME", Temp.Racine.c_str(), 1);
     Gest = std::make_unique<TGestFichier>(Temp.Prs(), true);
     ASSERT_FALSE(Gest->EnErreur());
-    Index = std::make_unique<TFicIndexPerson>(Gest.get(), false);
+    Index = Gest->FicIndexPerson();
+    ASSERT_NE(Index, nullptr);
     Index->Table();  // chargée d'avance : chaque modification passe aussi par la mémoire
   }
   void TearDown() override {
-    Index.reset();
+    Index = nullptr;
     Gest.reset();
     ::unsetenv("XDG_DATA_HOME");
   }
@@ -55,8 +56,7 @@ class IndexTest : public testing::Test {
     p.SetNom(nom);
     p.SetPrenoms(prenoms);
     p.SetSexe(sexe);
-    p.Enregistrement();
-    Index->ModifClef(&p, true);
+    p.Enregistrement();  // le dossier met l'index à jour
     return p.No();
   }
   void Modifie(long no, const std::string& nom, const std::string& prenoms) {
@@ -64,7 +64,6 @@ class IndexTest : public testing::Test {
     p.SetNom(nom);
     p.SetPrenoms(prenoms);
     p.Enregistrement();
-    Index->ModifClef(&p, true);
   }
   // Les lignes de la table pour une personne, par identifiant.
   std::vector<TLigneLue> Table(long no) {
@@ -91,19 +90,19 @@ class IndexTest : public testing::Test {
     return r;
   }
   void Ferme() {
-    Index.reset();
+    Index = nullptr;
     Gest.reset();
   }
   void Rouvre() {
     Gest = std::make_unique<TGestFichier>(Temp.Prs());
     ASSERT_FALSE(Gest->EnErreur());
-    Index = std::make_unique<TFicIndexPerson>(Gest.get(), false);
+    Index = Gest->FicIndexPerson();
   }
   std::string Prx() const { return Temp.Dossier() + "/Essai.prx"; }
 
   essai::TDossierTemp Temp;
   std::unique_ptr<TGestFichier> Gest;
-  std::unique_ptr<TFicIndexPerson> Index;
+  TFicIndexPerson* Index = nullptr;
 };
 
 TEST_F(IndexTest, UneLigneParNomEtPrenomAuPlusDix) {
@@ -284,12 +283,12 @@ TEST_F(IndexTest, LigneDUneAutrePersonneRefuseeEtJournalisee) {
   const long a = Ajoute("Dupont", "Jean");
   const long b = Ajoute("Martin", "Luc");
   const long idA = Table(a)[0].ID;
-  TIndexPerson intrus(Index.get());
+  TIndexPerson intrus(Index);
   intrus.Enreg.SetNom("FAUX");
   intrus.Enreg.NoPers = int32_t(b);
-  EXPECT_EQ(intrus.Enregistrement(idA, Index.get(), false), -1);
+  EXPECT_EQ(intrus.Enregistrement(idA, Index, false), -1);
   EXPECT_EQ(Table(a)[0].Nom, "DUPONT");  // la ligne n'a pas bougé
-  EXPECT_EQ(intrus.Enregistrement(99999, Index.get(), false), -1);  // ligne absente
+  EXPECT_EQ(intrus.Enregistrement(99999, Index, false), -1);  // ligne absente
   std::ifstream journal(FichierJournal());
   const std::string texte((std::istreambuf_iterator<char>(journal)), std::istreambuf_iterator<char>());
   EXPECT_NE(texte.find("Erreur modif Index"), std::string::npos);
@@ -407,7 +406,7 @@ TEST_F(IndexTest, DossierEnLectureSeuleJamaisModifie) {
   Ferme();
   const essai::TInstantane avant = essai::Instantane(Temp.Dossier());
   Gest = std::make_unique<TGestFichier>(Temp.Prs(), false, false, false, false, 0, mcFormulaire, true);
-  Index = std::make_unique<TFicIndexPerson>(Gest.get(), false);
+  Index = Gest->FicIndexPerson();
   TPerson p(Gest->FicPersons(), a);
   p.SetNom("Autre");
   Index->ModifClef(&p, true);

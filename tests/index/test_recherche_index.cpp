@@ -40,7 +40,8 @@ class RechercheTest : public testing::Test {
   void SetUp() override {
     Gest = std::make_unique<TGestFichier>(Temp.Prs(), true);
     ASSERT_FALSE(Gest->EnErreur());
-    Index = std::make_unique<TFicIndexPerson>(Gest.get(), false);
+    Index = Gest->FicIndexPerson();
+    ASSERT_NE(Index, nullptr);
     Fic = Gest->FicPersons();
   }
   long Ajoute(const std::string& nom, const std::string& prenoms, char sexe = 'M', long pere = 0, long mere = 0) {
@@ -51,8 +52,7 @@ class RechercheTest : public testing::Test {
     p.SetSexe(sexe);
     p.Enreg.Pere = TLienPers(pere);
     p.Enreg.Mere = TLienPers(mere);
-    p.Enregistrement();
-    Index->ModifClef(&p, true);
+    p.Enregistrement();  // le dossier met l'index à jour
     return p.No();
   }
   void Marie(long a, long b) {
@@ -76,7 +76,7 @@ class RechercheTest : public testing::Test {
   }
   essai::TDossierTemp Temp;
   std::unique_ptr<TGestFichier> Gest;
-  std::unique_ptr<TFicIndexPerson> Index;
+  TFicIndexPerson* Index = nullptr;
   TFicPersons* Fic = nullptr;
 };
 
