@@ -12,6 +12,7 @@ void AjouteCommandesNotes(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesLieux(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesEvenements(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesNoms(CLI::App& app, TContexteCli& ctx);
+void AjouteCommandesIndex(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesFamille(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesFaits(CLI::App& app, TContexteCli& ctx);
 void AjouteCommandesGedcom(CLI::App& app, TContexteCli& ctx);

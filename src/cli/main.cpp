@@ -98,6 +98,7 @@ int main(int argc, char** argv) {
   AjouteCommandesLieux(app, ctx);
   AjouteCommandesEvenements(app, ctx);
   AjouteCommandesNoms(app, ctx);
+  AjouteCommandesIndex(app, ctx);
   AjouteCommandesFamille(app, ctx);
   AjouteCommandesFaits(app, ctx);
   AjouteCommandesGedcom(app, ctx);
