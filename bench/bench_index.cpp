@@ -91,7 +91,7 @@ void BM_ReinitTableIndex(benchmark::State& etat) {
   long lignes = 0;
   for (auto _ : etat) {
     TGestFichier gest(d.Prs);
-    TFicIndexPerson index(&gest, false);
+    TFicIndexPerson& index = *gest.FicIndexPerson();
     gest.ModuleBDD()->BeginImport();
     index.ReinitTableIndex();
     gest.ModuleBDD()->EndImport();
@@ -107,7 +107,7 @@ BENCHMARK(BM_ReinitTableIndex)->Arg(100000)->Arg(1000000)->Iterations(1)->Unit(b
 void BM_ReinitTableIndexBis(benchmark::State& etat) {
   const TDossierMesure& d = Dossier(etat.range(0));
   TGestFichier gest(d.Prs, false, false, false, false, 0, mcFormulaire, true);
-  TFicIndexPerson index(&gest, false);
+  TFicIndexPerson& index = *gest.FicIndexPerson();
   for (auto _ : etat) index.ReinitTableIndexBis();
   etat.counters["lignes"] = double(index.Table().GetNbElt());
 }
@@ -119,7 +119,7 @@ void BM_OuvertureAvecIndex(benchmark::State& etat) {
   bool duFichier = false;
   for (auto _ : etat) {
     TGestFichier gest(d.Prs, false, false, false, false, 0, mcFormulaire, true);
-    TFicIndexPerson index(&gest, false);
+    TFicIndexPerson& index = *gest.FicIndexPerson();
     benchmark::DoNotOptimize(index.Table().GetNbElt());
     duFichier = index.ChargeeDuFichier();
   }
@@ -132,8 +132,7 @@ BENCHMARK(BM_OuvertureAvecIndex)->Arg(1000000)->Iterations(3)->Unit(benchmark::k
 void Recherches(benchmark::State& etat, int genre) {
   const TDossierMesure& d = Dossier(1000000);
   TGestFichier gest(d.Prs, false, false, false, false, 0, mcFormulaire, true);
-  TFicIndexPerson index(&gest, false);
-  TGestEltIndex& table = index.Table();
+  TGestEltIndex& table = gest.FicIndexPerson()->Table();
   std::vector<double> durees;
   long trouves = 0;
   uint64_t graine = 7;
@@ -171,7 +170,7 @@ BENCHMARK(BM_RechercheMasque)->Iterations(1)->Unit(benchmark::kMillisecond)->Use
 void BM_ModifClef(benchmark::State& etat) {
   const TDossierMesure& d = Dossier(100000);
   TGestFichier gest(d.Prs);
-  TFicIndexPerson index(&gest, false);
+  TFicIndexPerson& index = *gest.FicIndexPerson();
   index.Table();
   TPerson p(gest.FicPersons(), 5000);
   const std::string avant(p.Enreg.Prenoms);
@@ -183,6 +182,7 @@ void BM_ModifClef(benchmark::State& etat) {
   }
   p.SetPrenoms(avant);
   index.ModifClef(&p, true);
+  etat.counters["lignes_en_memoire"] = double(index.Table().GetNbElt());
 }
 BENCHMARK(BM_ModifClef)->Unit(benchmark::kMicrosecond)->UseRealTime()->MinTime(2.0);
 
