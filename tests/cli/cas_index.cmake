@@ -53,7 +53,7 @@ rq_cas(index 13_conjoint SORTIE [=[5<TAB>M<TAB>Martin<TAB>Louis
 ]=] ARGS chercher Famille --conjoint-nom "dupuis")
 rq_cas(index 14_sexe_exclure_limite SORTIE [=[5<TAB>M<TAB>Martin<TAB>Louis
 ]=] ARGS chercher Famille --nom "*" --sexe M --exclure 2 3 --limite 1)
-# Les années de l'index sont inconnues tant que l'estimation n'y est pas branchée.
+# Des personnes sans aucun fait daté : leurs années restent inconnues, aucune période ne les prend.
 rq_cas(index 15_periode SORTIE [=[Aucune personne trouvée.
 ]=] ARGS chercher Famille --annees 1800-1900)
 rq_cas(index 16_sans_pere SORTIE [=[4<TAB>F<TAB>Dupuis<TAB>Éloïse
