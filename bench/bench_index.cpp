@@ -26,21 +26,22 @@ using mesure::Racine;
 
 // Des noms de famille en nombre (syllabes combinées) : environ 24 000 noms distincts.
 std::string NomNo(uint32_t k) {
-  static const char* const debut[] = {"DU", "LE", "MAR", "BER", "PE", "RO", "GI", "FOU", "BON", "LAU",
-                                      "MO", "DA", "GAR", "CHE", "VIN", "BLAN", "ROUS", "FAU", "NI", "CO"};
-  static const char* const milieu[] = {"", "PON", "RAN", "TI", "BER", "LAN", "CHAR", "VAL", "MOU", "RI",
-                                       "SON", "DE", "LI", "TAR", "GO", "NO", "VE", "BOU", "CA", "MA"};
-  static const char* const fin[] = {"T", "D", "N", "RD", "L", "S", "X", "ND", "GNE", "RT",
-                                    "Y", "AU", "IN", "ET", "ON", "OIS", "IER", "EAU", "AC", "EL"};
+  static const char* const debut[] = {"DU", "LE", "MAR", "BER", "PE",  "RO",   "GI",   "FOU", "BON", "LAU",
+                                      "MO", "DA", "GAR", "CHE", "VIN", "BLAN", "ROUS", "FAU", "NI",  "CO"};
+  static const char* const milieu[] = {"",    "PON", "RAN", "TI",  "BER", "LAN", "CHAR", "VAL", "MOU", "RI",
+                                       "SON", "DE",  "LI",  "TAR", "GO",  "NO",  "VE",   "BOU", "CA",  "MA"};
+  static const char* const fin[] = {"T", "D",  "N",  "RD", "L",  "S",   "X",   "ND",  "GNE", "RT",
+                                    "Y", "AU", "IN", "ET", "ON", "OIS", "IER", "EAU", "AC",  "EL"};
   const uint32_t a = k % 20, b = (k / 20) % 20, c = (k / 400) % 20, d = (k / 8000) % 3;
   std::string n = std::string(debut[a]) + milieu[b] + fin[c];
   if (d == 1) n = "DE " + n;  // des particules, comme dans la vie
   if (d == 2) n += "E";
   return n;
 }
-const char* const kPrenoms[] = {"Jean", "Marie", "Pierre", "Anne", "Louis", "Jeanne", "François", "Marguerite",
-                                "Jacques", "Catherine", "Joseph", "Françoise", "Antoine", "Madeleine", "Étienne",
-                                "Louise", "Nicolas", "Élisabeth", "Claude", "Geneviève", "Michel", "Suzanne"};
+const char* const kPrenoms[] = {"Jean",     "Marie",      "Pierre",  "Anne",      "Louis",   "Jeanne",
+                                "François", "Marguerite", "Jacques", "Catherine", "Joseph",  "Françoise",
+                                "Antoine",  "Madeleine",  "Étienne", "Louise",    "Nicolas", "Élisabeth",
+                                "Claude",   "Geneviève",  "Michel",  "Suzanne"};
 
 uint32_t Alea(uint64_t& graine) {
   graine = graine * 6364136223846793005ULL + 1442695040888963407ULL;
@@ -158,9 +159,15 @@ void Recherches(benchmark::State& etat, int genre) {
   etat.counters["p99_us"] = durees[std::min(durees.size() - 1, durees.size() * 99 / 100)];
   etat.counters["personnes_par_recherche"] = double(trouves) / double(durees.size());
 }
-void BM_RechercheExacte(benchmark::State& etat) { Recherches(etat, 0); }
-void BM_RechercheSoundex(benchmark::State& etat) { Recherches(etat, 1); }
-void BM_RechercheMasque(benchmark::State& etat) { Recherches(etat, 2); }
+void BM_RechercheExacte(benchmark::State& etat) {
+  Recherches(etat, 0);
+}
+void BM_RechercheSoundex(benchmark::State& etat) {
+  Recherches(etat, 1);
+}
+void BM_RechercheMasque(benchmark::State& etat) {
+  Recherches(etat, 2);
+}
 BENCHMARK(BM_RechercheExacte)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_RechercheSoundex)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_RechercheMasque)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();

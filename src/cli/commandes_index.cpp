@@ -44,8 +44,12 @@ struct TOptionsChercher {
   long Limite = 0;
 };
 
-std::string Car(char c) { return c == 0 ? std::string() : std::string(1, c); }
-json Annee(int a) { return a == 0 ? json(nullptr) : json(a); }
+std::string Car(char c) {
+  return c == 0 ? std::string() : std::string(1, c);
+}
+json Annee(int a) {
+  return a == 0 ? json(nullptr) : json(a);
+}
 
 TFicIndexPerson& IndexDe(rqbase::TGestFichier& gest) {
   TFicIndexPerson* index = gest.FicIndexPerson();

@@ -1,8 +1,6 @@
 // Index des personnes : lignes d'une personne dans IndexNomPrenoms et en mémoire, reprise des
 // identifiants, refus d'une ligne d'une autre personne, fichier .prx gardé puis relu (ou refait
 // quand il est abîmé, coupé ou d'un autre dossier), reconstructions et leurs textes.
-#include "rqbase/index/index_personnes.h"
-
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
 
@@ -12,6 +10,7 @@
 
 #include "dossier_essai.h"
 #include "rqbase/dossier/gest_fic.h"
+#include "rqbase/index/index_personnes.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/platform/journal.h"
 #include "rqbase/storage/datamodulebdd.h"
@@ -238,10 +237,12 @@ TEST_F(IndexTest, FormeSerialiseeDUneLigne) {
   char tampon[80];
   const char* fin = elt.Ecrit(tampon);
   const std::string octets(static_cast<const char*>(tampon), fin);
+  // clang-format off
   EXPECT_EQ(octets, std::string("\x06" "DUPONT" "\x04" "JEAN" "\x04" "D153" "\x02" "J5"
                                 "\x3A\x07" "\xFE\xFF" "\x04\x03\x02\x01" "\x01\x00" "\x02\x00" "\x00\x00"
                                 "P" "\x00" " ",
                                 37));
+  // clang-format on
   EXPECT_EQ(elt.GetTaille(), 37);
   TEltIndex relu;
   relu.Lit(tampon, 37);
@@ -258,7 +259,9 @@ TEST_F(IndexTest, FormeSerialiseeDUneLigne) {
   y.SetPrenom("ANNE");
   EXPECT_LT(CompareLignesIndex(x, y), 0);
   EXPECT_GT(CompareLignesIndex(y, x), 0);
-  x.SetNom("A\x01" "B");
+  x.SetNom(
+      "A\x01"
+      "B");
   y.SetNom("A");
   y.SetPrenom("C");
   EXPECT_LT(CompareLignesIndex(x, y), 0);  // "A 1 B 1 ..." contre "A 1 C ..."
@@ -273,7 +276,9 @@ TEST_F(IndexTest, FormeSerialiseeDUneLigne) {
   l.SetNomSoundex("A111");
   l.SetPrenomSoundex("B111");
   EXPECT_EQ(TEltIndex(l, 0).GetTaille(), TEltIndex::kTailleMax);
-  const char abime[] = "\xFF" "ABC";
+  const char abime[] =
+      "\xFF"
+      "ABC";
   relu.Lit(abime, 4);
   EXPECT_STREQ(relu.Enreg.Nom, "ABC");
   EXPECT_STREQ(relu.Enreg.Prenom, "");
@@ -287,7 +292,7 @@ TEST_F(IndexTest, LigneDUneAutrePersonneRefuseeEtJournalisee) {
   intrus.Enreg.SetNom("FAUX");
   intrus.Enreg.NoPers = int32_t(b);
   EXPECT_EQ(intrus.Enregistrement(idA, Index, false), -1);
-  EXPECT_EQ(Table(a)[0].Nom, "DUPONT");  // la ligne n'a pas bougé
+  EXPECT_EQ(Table(a)[0].Nom, "DUPONT");                       // la ligne n'a pas bougé
   EXPECT_EQ(intrus.Enregistrement(99999, Index, false), -1);  // ligne absente
   std::ifstream journal(FichierJournal());
   const std::string texte((std::istreambuf_iterator<char>(journal)), std::istreambuf_iterator<char>());
@@ -338,8 +343,9 @@ TEST_F(IndexTest, FichierGardeRelouRefaitQuandIlNeVautRien) {
   // Une table changée derrière le fichier (ligne ajoutée par un autre outil) : refait aussi.
   {
     SQLite::Database base(Temp.Dossier() + "/Essai.adb", SQLite::OPEN_READWRITE);
-    base.exec("INSERT INTO IndexNomPrenoms (Nom, Prenom, NoPers, TypePersonne, FicheSupprimee, Sexe) "
-              "VALUES ('ZOLA', 'EMILE', 1, 'P', ' ', 'M')");
+    base.exec(
+        "INSERT INTO IndexNomPrenoms (Nom, Prenom, NoPers, TypePersonne, FicheSupprimee, Sexe) "
+        "VALUES ('ZOLA', 'EMILE', 1, 'P', ' ', 'M')");
   }
   Rouvre();
   EXPECT_EQ(Memoire().back(), "ZOLA/EMILE/1");
@@ -350,8 +356,9 @@ TEST_F(IndexTest, LigneHorsDuFichierOuSupprimeeJamaisEnMemoire) {
   Ajoute("Dupont", "Jean");
   {
     SQLite::Database& base = Gest->ModuleBDD()->Base();
-    base.exec("INSERT INTO IndexNomPrenoms (Nom, Prenom, NoPers, TypePersonne, FicheSupprimee) VALUES "
-              "('FANTOME', 'X', 9999, 'P', ' '), ('NEGATIF', 'X', -4, 'P', ' '), ('EFFACE', 'X', 1, 'P', 'O')");
+    base.exec(
+        "INSERT INTO IndexNomPrenoms (Nom, Prenom, NoPers, TypePersonne, FicheSupprimee) VALUES "
+        "('FANTOME', 'X', 9999, 'P', ' '), ('NEGATIF', 'X', -4, 'P', ' '), ('EFFACE', 'X', 1, 'P', 'O')");
   }
   Index->ReinitTableIndexBis();
   EXPECT_EQ(Memoire(), (std::vector<std::string>{"DUPONT/JEAN/2"}));
@@ -386,7 +393,8 @@ TEST_F(IndexTest, ReconstructionsEtLeursTextes) {
   {
     SQLite::Database& base = Gest->ModuleBDD()->Base();
     SQLite::Transaction tr(base);
-    SQLite::Statement q(base, "INSERT INTO IndexNomPrenoms (Nom, Prenom, NoPers, TypePersonne) VALUES (?, 'A', 2, 'P')");
+    SQLite::Statement q(base,
+                        "INSERT INTO IndexNomPrenoms (Nom, Prenom, NoPers, TypePersonne) VALUES (?, 'A', 2, 'P')");
     for (int i = 0; i < 20001; ++i) {
       q.bind(1, "N" + std::to_string(i));
       q.exec();
@@ -396,8 +404,8 @@ TEST_F(IndexTest, ReconstructionsEtLeursTextes) {
   }
   TProgressionNotee rep;
   Index->ReinitTableIndexBis(&rep);
-  EXPECT_EQ(rep.Textes, (std::vector<std::string>{"T:Réparation des index", "Insertion en cours...",
-                                                  "Classement en cours..."}));
+  EXPECT_EQ(rep.Textes,
+            (std::vector<std::string>{"T:Réparation des index", "Insertion en cours...", "Classement en cours..."}));
   EXPECT_EQ(Index->Table().GetNbElt(), lignes + 20001);
 }
 

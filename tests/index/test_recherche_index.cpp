@@ -1,7 +1,5 @@
 // Recherche dans l'index des noms : masques, texte plié, particules, plusieurs noms et prénoms,
 // soundex, valeurs spéciales, sexe, période, conjoints, parents, exclusions, abandon, listes.
-#include "rqbase/index/recherche_index.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -9,6 +7,7 @@
 #include "dossier_essai.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/index/index_personnes.h"
+#include "rqbase/index/recherche_index.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/storage/gest_fic_pers.h"
 

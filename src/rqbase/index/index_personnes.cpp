@@ -1,9 +1,8 @@
 // L'index des personnes : lignes de IndexNomPrenoms, table en mémoire tenue égale, fichier .prx.
 #include "rqbase/index/index_personnes.h"
 
-#include <sqlite3.h>
-
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <sqlite3.h>
 
 #include <algorithm>
 #include <cmath>
@@ -73,7 +72,9 @@ class TBlocIndex {
   bool Ouvert = false;
 };
 
-std::string Car(char c) { return c == 0 ? std::string() : std::string(1, c); }
+std::string Car(char c) {
+  return c == 0 ? std::string() : std::string(1, c);
+}
 
 // Un texte de colonne posé dans son tableau ; rend sa longueur d'origine. Les textes de l'index
 // sont presque toujours en ASCII, identique en UTF-8 : ils se copient sans conversion ni
@@ -235,11 +236,12 @@ long TIndexPerson::Enregistrement(long id, TFicIndexPerson* fic, bool nouveau) {
                " , ID-Conflit : " + std::to_string(stocke));
         return -1;
       }
-      SQLite::Statement& m = bdd.Requete(std::string("UPDATE \"") + kTable +
-                                         "\" SET \"Nom\" = ?, \"Prenom\" = ?, \"NomSoundex\" = ?, \"PrenomSoundex\" = ?, "
-                                         "\"AnneeMin\" = ?, \"AnneeMax\" = ?, \"NoPers\" = ?, \"RgNom\" = ?, "
-                                         "\"RgPrenom\" = ?, \"RgPrenomUsuel\" = ?, \"TypePersonne\" = ?, "
-                                         "\"FicheSupprimee\" = ?, \"Sexe\" = ? WHERE \"ID\" = ?");
+      SQLite::Statement& m =
+          bdd.Requete(std::string("UPDATE \"") + kTable +
+                      "\" SET \"Nom\" = ?, \"Prenom\" = ?, \"NomSoundex\" = ?, \"PrenomSoundex\" = ?, "
+                      "\"AnneeMin\" = ?, \"AnneeMax\" = ?, \"NoPers\" = ?, \"RgNom\" = ?, "
+                      "\"RgPrenom\" = ?, \"RgPrenomUsuel\" = ?, \"TypePersonne\" = ?, "
+                      "\"FicheSupprimee\" = ?, \"Sexe\" = ? WHERE \"ID\" = ?");
       LieColonnes(m, 1, Enreg);
       m.bind(14, int64_t(id));
       bdd.PostInTable(m);
@@ -322,7 +324,9 @@ TFicIndexPerson::~TFicIndexPerson() {
   }
 }
 
-std::string TFicIndexPerson::CheminFichier() const { return Contexte->FabriqueNomFichier(tfPrx); }
+std::string TFicIndexPerson::CheminFichier() const {
+  return Contexte->FabriqueNomFichier(tfPrx);
+}
 
 bool TFicIndexPerson::PeutEcrire() const {
   if (!Contexte || !Contexte->PeutEcrire()) return false;
@@ -384,8 +388,8 @@ void TFicIndexPerson::Charge() {
 bool TFicIndexPerson::ChargeFichier() {
   if (!Contexte) return false;
   const TControle attendu = ControleBase();
-  auto f = TFichierBrut::Ouvre(CheminFichier(), TFichierBrut::TAcces::Lecture, TFichierBrut::TDisposition::Ouvre,
-                               false);
+  auto f =
+      TFichierBrut::Ouvre(CheminFichier(), TFichierBrut::TAcces::Lecture, TFichierBrut::TDisposition::Ouvre, false);
   if (!f) return false;
   const int64_t taille = f->Taille();
   // Un fichier plus grand que ce que la table peut donner ment : il n'est pas lu.
@@ -603,8 +607,8 @@ void TFicIndexPerson::ModifClef(TPerson* p, bool inutilise) {
     if (neuve.Enregistrement(id, this, false) < 0) continue;
     ids.push_back(id);
     if (lue && !vieille.EnregFoireux(vieille.Enreg)) {
-      const bool reclasse = CompareLignesIndex(vieille.Enreg, ligne) != 0 ||
-                            vieille.Enreg.TypePersonne != ligne.TypePersonne;
+      const bool reclasse =
+          CompareLignesIndex(vieille.Enreg, ligne) != 0 || vieille.Enreg.TypePersonne != ligne.TypePersonne;
       ops.push_back({reclasse ? TGenre::Reclasse : TGenre::Change, vieille.Enreg, ligne, id});
     } else {
       ops.push_back({TGenre::Ajoute, {}, ligne, id});
@@ -631,7 +635,9 @@ void TFicIndexPerson::ModifClef(TPerson* p, bool inutilise) {
     const TEltIndex nouveau(op.Nouveau, op.ID);
     const long rang = op.Genre == TGenre::Ajoute ? -1 : table->RechercheDicoth(TEltIndex(op.Ancien, op.ID), travail);
     switch (op.Genre) {
-      case TGenre::Ajoute: table->AjouteClasse(nouveau, travail); break;
+      case TGenre::Ajoute:
+        table->AjouteClasse(nouveau, travail);
+        break;
       case TGenre::Reclasse:
         if (rang < 0)
           table->AjouteClasse(nouveau, travail);

@@ -124,8 +124,8 @@ class TFicIndexPerson {
 
   // --- Fichier .prx : forme et relecture (séparées pour le fuzz et les tests) ---
   struct TControle {
-    long Lignes = 0;     // lignes de la table quand le fichier a été écrit
-    long IdMax = 0;      // plus grand identifiant de la table
+    long Lignes = 0;      // lignes de la table quand le fichier a été écrit
+    long IdMax = 0;       // plus grand identifiant de la table
     std::string IdGenea;  // identifiant du dossier
   };
   static std::string FormeFichier(const TGestEltIndex& table, const TControle& controle);

@@ -104,7 +104,8 @@ std::string FormatCritere(const std::string& critere) {
   std::string r;
   for (size_t debut = 0;;) {
     const size_t etoile = plie.find('*', debut);
-    r += TransformeEnCaractereIndex(plie.substr(debut, etoile == std::string::npos ? std::string::npos : etoile - debut));
+    r += TransformeEnCaractereIndex(
+        plie.substr(debut, etoile == std::string::npos ? std::string::npos : etoile - debut));
     if (etoile == std::string::npos) break;
     r += '*';
     debut = etoile + 1;
@@ -176,12 +177,14 @@ void TGestEltIndex::TRechSimple::RazExclu() {
   Exclus.clear();
 }
 
-std::string TGestEltIndex::FormatIndex(const std::string& nom) { return rqbase::FormatIndex(nom); }
+std::string TGestEltIndex::FormatIndex(const std::string& nom) {
+  return rqbase::FormatIndex(nom);
+}
 
 // --- Recherche ---
 
-long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::string>* noms,
-                                    std::vector<long>* numeros, TProgression* progression) {
+long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::string>* noms, std::vector<long>* numeros,
+                                    TProgression* progression) {
   if (!rs.Ajoute || GetNbElt() == 0) {
     if (noms) noms->clear();
     if (numeros) numeros->clear();

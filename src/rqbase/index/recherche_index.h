@@ -59,19 +59,19 @@ class TGestEltIndex : public TTableTV {
     bool AvecParents = false;      // seulement les personnes qui ont père et mère
     bool Hommes = false;           // Hommes et Femmes : raccourcis de Sexe
     bool Femmes = false;
-    bool Ajoute = false;           // la liste n'est pas vidée avant la recherche
-    bool Equivalences = false;     // équivalences de noms : sans effet tant qu'elles manquent
+    bool Ajoute = false;        // la liste n'est pas vidée avant la recherche
+    bool Equivalences = false;  // équivalences de noms : sans effet tant qu'elles manquent
     // Deux drapeaux levés au départ : les personnes et les témoins répondent.
     bool Personnes = true;
     bool Temoins = true;
     // Une période : la vie connue de la personne (AnneeMin..AnneeMax) doit la toucher.
     bool AvecPeriode = false;
     int AnneeDebut = 0, AnneeFin = 0;
-    char Sexe = '?';          // '?' : tous ; 'M', 'F' ; ' ' les personnes de sexe blanc
-    std::string Parents;      // "ZPASZDEZPERE", "ZPASZDEZMERE", ou les deux séparés par ';'
+    char Sexe = '?';                           // '?' : tous ; 'M', 'F' ; ' ' les personnes de sexe blanc
+    std::string Parents;                       // "ZPASZDEZPERE", "ZPASZDEZMERE", ou les deux séparés par ';'
     int NbConjointsMin = 0, NbEnfantsMin = 0;  // au moins ce nombre de conjoints, d'enfants
-    long Pere = 0, Mere = 0;  // seulement les enfants de ce père, de cette mère (0 : sans)
-    long Limite = 0;          // au plus ce nombre de personnes (0 : sans limite)
+    long Pere = 0, Mere = 0;                   // seulement les enfants de ce père, de cette mère (0 : sans)
+    long Limite = 0;                           // au plus ce nombre de personnes (0 : sans limite)
 
     // Exclusions.
     long NoExclu = -1;                  // une personne exclue, avec sa lignée si demandé
@@ -108,8 +108,8 @@ class TGestEltIndex : public TTableTV {
   // critères mis en forme d'index (chaque élément : particules ôtées, capitales nues).
   static bool CompareNom(const std::string& noms, const std::string& critere, bool soundex);
   static bool ComparePrenoms(const std::string& prenoms, const std::string& critere, bool soundex);
-  static bool CompareNomPrenoms(const TPerson& p, const std::string& nom, const std::string& prenom,
-                                bool soundexNom, bool soundexPrenom);
+  static bool CompareNomPrenoms(const TPerson& p, const std::string& nom, const std::string& prenom, bool soundexNom,
+                                bool soundexPrenom);
   // Vrai si un des prénoms (tels que tapés) répond au critère (tel que tapé).
   static bool IsPrenomsCorrespond(const std::string& prenoms, const std::string& critere);
 
