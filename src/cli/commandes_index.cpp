@@ -155,7 +155,8 @@ void Lignes(TContexteCli& ctx, const std::string& chemin, long no) {
 }
 
 void Reconstruire(TContexteCli& ctx, const std::string& chemin) {
-  auto gest = Ouvre(chemin, false);
+  // La base est indispensable : c'est elle qui tient la table de l'index.
+  auto gest = OuvrePourEcrire(chemin, true);
   TFicIndexPerson& index = IndexDe(*gest);
   TProgressionTerminal progression;
   if (!index.ReinitTableIndex(&progression))
