@@ -13,10 +13,16 @@
 #include "rqbase/gedcom/dates_gedcom.h"
 #include "rqbase/gedcom/lecteur_lignes.h"
 #include "rqbase/gedcom/lieux_gedcom.h"
+#include "rqbase/index/index_personnes.h"
 #include "rqbase/index/prenom_usuel.h"
+#include "rqbase/person/liste_evenements.h"
+#include "rqbase/person/voisins_personne.h"
 #include "rqbase/notes/note.h"
 #include "rqbase/person/gest_pers.h"
+#include "rqbase/notes/fic_notes.h"
 #include "rqbase/places/gestduplicat.h"
+#include "rqbase/platform/fichier.h"
+#include "rqbase/storage/fic_ext_pers.h"
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/progression.h"
 #include "rqbase/storage/datamodulebdd.h"
@@ -621,13 +627,9 @@ void TImport::LitNom(uint32_t i, TPerson& p, bool premier) {
 void TImport::EcritPersonne(int32_t k) {
   TPers& d = Pers[size_t(k)];
   TPerson p(Fic);
-  if (NoPers(k) <= Fic->NbPersEffective()) {
-    // Le numéro 1 d'un dossier neuf, vide, repris tel quel.
-    p.NouvelleFiche(NoPers(k));
-    p.Enreg.ChpsSimpleLoaded = p.Enreg.EvenLoaded = p.Enreg.CitationLoaded = 1;
-  } else {
-    p.NouvelleFiche(-3);
-  }
+  // Les numéros sont réservés par paquets (voir Lance) : la fiche prend le sien.
+  p.NouvelleFiche(NoPers(k));
+  p.Enreg.ChpsSimpleLoaded = p.Enreg.EvenLoaded = p.Enreg.CitationLoaded = 1;
   if (p.No() != NoPers(k)) throw ERqBase("Import GEDCOM : les numéros des personnes ne se suivent plus.");
   p.SetSexe(d.Sexe);
   if (d.Pere >= 0) p.Enreg.Pere = TLienPers(NoPers(d.Pere));
@@ -751,7 +753,14 @@ void TImport::EcritPersonne(int32_t k) {
     }
   }
   if (!note.empty()) p.Enreg.Note = static_cast<int32_t>(EcritNote(note));
-  p.Enregistrement();
+  // Ce que fait Enregistrement, moins deux choses qu'un import n'a pas à faire pour chaque
+  // fiche : chercher les lignes d'avant de la personne (elle est neuve : ses faits de couple
+  // déjà écrits par le conjoint sont repris par leur numéro), et tenir l'index des noms à jour
+  // ligne à ligne (il est refait d'un trait à la fin, voir Lance).
+  if (TVoisinsPersonne* v = p.Voisins(); v && v->ClassementParType()) p.ClassementTypeEven();
+  p.ClassementChronoEven();
+  EnregistrerChpsOfPerson(*Bdd, p, p.ListesChps(), true);
+  p.Enregistrement(-3, nullptr, true, true);
   ++R.Personnes;
 }
 
@@ -806,14 +815,53 @@ void TImport::Lance() {
   }
   Prog.Titre("Import GEDCOM");
   Prog.Maximum(long(Pers.size()));
-  if (Fic->Fichier()) Fic->Fichier()->ChangeEcritureImmediate(false);
+  // Un import est un travail de masse : les fichiers du dossier perdent l'écriture immédiate
+  // le temps de l'import, et tout est forcé sur le disque à la fin (Flush), même sur une erreur.
+  struct TSansEcritureImmediate {
+    std::vector<std::pair<TFichierBrut*, bool>> Modes;
+    TGestFichier& G;
+    explicit TSansEcritureImmediate(TGestFichier& g) : G(g) {
+      for (TFicEnregBase* f : std::initializer_list<TFicEnregBase*>{g.FicPersons(), g.FicLie(), g.FicQua(), g.FicPar(),
+                                                                    g.FicExtPersons(), g.FicNotes()})
+        if (f && f->Fichier()) {
+          Modes.emplace_back(f->Fichier(), f->Fichier()->EcritureImmediate());
+          f->Fichier()->ChangeEcritureImmediate(false);
+        }
+    }
+    ~TSansEcritureImmediate() {
+      G.Flush();
+      for (auto& [f, immediate] : Modes)
+        if (immediate) f->ChangeEcritureImmediate(true);
+    }
+  } sansEcritureImmediate(Gest);
+  // L'index des noms se refait à la fin ; marqué à refaire d'abord, une panne au milieu le
+  // fait refaire à la prochaine ouverture en écriture.
+  TFicIndexPerson* index = Gest.FicIndexPerson();
+  if (index) Bdd->MAJInfoChps("INDEXNAME", "0");
   Bdd->BeginImport();
   for (size_t k = 0; k < Pers.size(); ++k) {
+    // Les numéros de 1000 personnes sont donnés et l'en-tête écrit une fois pour elles, au
+    // lieu d'une fois par fiche : s'il est relu avant qu'elles soient toutes écrites (panne),
+    // son compte est ramené à ce que le fichier tient.
+    if (NoPers(int32_t(k)) > Fic->NbPersEffective()) {
+      const long jusque = NoPers(int32_t(std::min(Pers.size(), k + 1000) - 1));
+      while (Fic->NbPersEffective() < jusque) Fic->ReturnNewNum();
+      Fic->EcritureEntete();
+    }
     EcritPersonne(int32_t(k));
     if (k % 1000 == 999) Prog.Position(long(k + 1));
   }
   Bdd->EndImport();
   Prog.Position(long(Pers.size()));
+  // Chaque fiche a son numéro dans le compte du fichier : sinon son écriture aurait été
+  // refusée sans bruit, ce qui ne doit pas passer pour un import réussi.
+  if (Fic->NbPersEffective() < NoPers(int32_t(Pers.size()) - 1))
+    throw ERqBase("Import GEDCOM : des personnes n'ont pas pu être écrites dans le fichier des personnes.");
+  if (index && index->ReinitTableIndex(nullptr)) {
+    index->ReinitTableIndexBis(nullptr);
+    Bdd->MAJInfoChps("INDEXNAME", "UPDATED");
+    index->SauvegardeFichier();
+  }
   // Les enregistrements partagés que rien ne cite : non importés, et dits.
   for (const uint32_t i : racines) {
     const std::string_view tag = A.Tag(i);
