@@ -23,6 +23,9 @@ Médias : 0
 Notes : 1
 Avertissements : 0
 ]=] ARGS importer famille_exemple.ged Famille --creer)
+# L'index des noms, refait à la fin de l'import, trouve les personnes (particule comprise).
+rq_cas(gedcom 05b_chercher SORTIE [=[7<TAB>F<TAB>de La Fontaine<TAB>Jeanne<TAB>1850-1955
+]=] ARGS chercher Famille --nom "de la fontaine")
 # Sans --creer, l'import s'ajoute : les lieux sont déjà là.
 rq_cas(gedcom 06_ajouter JSON SORTIE [=[{
   "avertissements": [],

@@ -209,6 +209,30 @@ TEST_F(ImportGedcomTest, Le151eEnfantEstDitEtPasEcrit) {
   LiensSymetriques(*g);
 }
 
+TEST_F(ImportGedcomTest, LignesDUnMegaoctetEtFichierTronque) {
+  // Un nom et une note d'un mégaoctet : le nom est coupé (et c'est dit), la note gardée.
+  const std::string long1(1 << 20, 'a');
+  auto g = Cree();
+  TRapportImport r = Importe(*g, "0 HEAD\n0 @I1@ INDI\n1 NAME Jean /" + long1 + "/\n1 NOTE " + long1 + "\n0 TRLR\n");
+  EXPECT_EQ(r.Personnes, 1);
+  EXPECT_EQ(r.Notes, 1);
+  ASSERT_EQ(r.Avertissements.size(), 1u);
+  EXPECT_EQ(r.Avertissements[0].Raison, "nom coupé à 100 caractères");
+  EXPECT_LE(r.Avertissements[0].Texte.size(), 123u);
+  TPerson p(g->FicPersons(), 1);
+  EXPECT_EQ(std::string(p.Enreg.Nom), std::string(100, 'a'));
+  EXPECT_EQ(TNote(g->FicNotes(), p.Enreg.Note).RecupNoteTxt("").size(), 100000u);  // coupée à la lecture brute
+  // La famille d'exemple coupée au milieu d'une ligne : ce qui est là est importé, les renvois
+  // vers ce qui manque sont dits, les liens restent symétriques.
+  const std::string complet = Donnees("famille_exemple.ged");
+  auto h = Cree("Tronque");
+  r = Importe(*h, complet.substr(0, complet.find("1 CHIL @I6@") + 5));
+  EXPECT_EQ(r.Personnes, 8);
+  EXPECT_EQ(r.Familles, 2);
+  EXPECT_THAT(Raisons(r), testing::Contains(HasSubstr("renvoi vers une famille absente du fichier")));
+  LiensSymetriques(*h);
+}
+
 TEST_F(ImportGedcomTest, FichierIllisibleNeChangeRien) {
   auto g = Cree();
   g->FermerFichiers();
