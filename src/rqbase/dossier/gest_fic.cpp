@@ -17,6 +17,7 @@
 #include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/index/index_personnes.h"
 #include "rqbase/notes/fic_notes.h"
+#include "rqbase/person/estimation_personne.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/places/gestduplicat.h"
 #include "rqbase/platform/attributs.h"
@@ -221,7 +222,10 @@ void TGestFichier::AjouteObjets(bool sansTest) {
   // Place de TFicSosas ; puis les notes ; puis places de TFicIndexPerson, TFicNoticesPat,
   // le catalogue TDefChpsCs et les équivalences de noms TTabNomEquiv.
   if (peut()) Notes = std::make_unique<TFicNotes>(this, false);
-  if (peut()) Index = std::make_unique<TFicIndexPerson>(this, false);
+  if (peut()) {
+    Index = std::make_unique<TFicIndexPerson>(this, false);
+    Index->Fourchette = FourchetteDeVie;  // années des lignes : l'estimation des dates de vie
+  }
   if (peut()) DefChpsCs = std::make_unique<TDefChpsCs>(this, false);
 }
 
@@ -326,6 +330,7 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
   // TTabNomEquiv.
   Notes = std::make_unique<TFicNotes>(this, true);
   Index = std::make_unique<TFicIndexPerson>(this, true);
+  Index->Fourchette = FourchetteDeVie;
   DefChpsCs = std::make_unique<TDefChpsCs>(this, true);
   // Un dossier neuf naît à jour : son catalogue a déjà PROFESSION pour événement, et aucune
   // ouverture ne devra plus poser la question ni écrire la clé.
