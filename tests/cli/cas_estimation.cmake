@@ -145,3 +145,21 @@ rqbase --aide pour l'aide.
 ]=] ARGS estimer Famille deux)
 rq_cas(estimation 25_dossier_absent CODE 1 ERREUR [=[rqbase : Le dossier "Absent" est introuvable.
 ]=] ARGS estimer Absent 2)
+
+# L'index des noms prend ses années de l'estimation (borne basse de la naissance, borne haute
+# du décès), à chaque enregistrement d'une personne comme à la reconstruction ; la recherche par
+# période s'en sert.
+rq_cas(estimation 26_index_annees SORTIE [=[2<TAB>M<TAB>Martin<TAB>Jean<TAB>1808-1933
+5<TAB>F<TAB>Martin<TAB>Louise<TAB>1850-1951
+4<TAB>M<TAB>Martin<TAB>Paul<TAB>1852-1952
+6<TAB>M<TAB>Martin<TAB>Pierre<TAB>1790-1860
+]=] ARGS chercher Famille --nom Martin)
+rq_cas(estimation 27_periode SORTIE [=[6<TAB>M<TAB>Martin<TAB>Pierre<TAB>1790-1860
+]=] ARGS chercher Famille --annees 1780-1800)
+rq_cas(estimation 28_periode_tardive SORTIE [=[5<TAB>F<TAB>Martin<TAB>Louise<TAB>1850-1951
+4<TAB>M<TAB>Martin<TAB>Paul<TAB>1852-1952
+]=] ARGS chercher Famille --annees 1940-1960)
+rq_cas(estimation 29_reconstruire SORTIE [=[Index reconstruit : 6 personnes, 6 lignes.
+]=] ARGS index reconstruire Famille)
+rq_cas(estimation 30_apres_reconstruction SORTIE [=[3<TAB>F<TAB>Durand<TAB>Marie<TAB>1802-1934
+]=] ARGS chercher Famille --nom Durand)
