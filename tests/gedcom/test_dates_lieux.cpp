@@ -40,6 +40,7 @@ TEST(DatesGedcom, LectureDesFormes) {
       {"12 FOO 1850", "", false},
       {"(vers la fin de la guerre)", "", false},
       {"BET 1860 AND 1850", "", false},
+      {"BET 10 AND @#DHEBREW@ 10 TSH 6570", "", false},
       {"@#DROMAN@ 12", "", false},
       {"12345", "", false},
       {"", "", false},

@@ -236,7 +236,9 @@ bool DateGedcomVersRQ(std::string_view texte, TDateRQ& date, std::string& raison
       raison = "fourchette avant Jésus-Christ";
       return false;
     }
-    if (aLu && bLu && (a.Cal == 'R') != (b.Cal == 'R')) {
+    // Julien et grégorien ne font qu'un calendrier pour une fourchette d'années.
+    auto famille = [](char c) { return c == 'J' ? 'G' : c; };
+    if (aLu && bLu && famille(a.Cal) != famille(b.Cal)) {
       raison = "fourchette entre deux calendriers";
       return false;
     }
