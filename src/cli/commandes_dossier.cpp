@@ -12,6 +12,7 @@
 #include "commandes.h"
 #include "description_personne.h"
 #include "ouverture.h"
+#include "rqbase/index/prenom_usuel.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/platform/attributs.h"
 #include "rqbase/platform/chemins.h"
@@ -162,7 +163,8 @@ void Personne(TContexteCli& ctx, const std::string& nom, long no) {
   Ecrit("Numéro      : " + std::to_string(no) + (p.FicheSupprimee() ? " (supprimée)" : ""));
   Ecrit("Type        : " + Car(p.Enreg.Type));
   Ecrit("Nom         : " + std::string(p.Enreg.Nom));
-  Ecrit("Prénoms     : " + std::string(p.Enreg.Prenoms) + " (usuel : " + std::to_string(p.Enreg.PrenomUsuel) + ")");
+  Ecrit("Prénoms     : " + rqbase::NoCotePrenomUsuel(p.Enreg.Prenoms, p.Enreg.PrenomUsuel) + " (usuel : " +
+        std::to_string(p.Enreg.PrenomUsuel) + ")");
   Ecrit("Sexe        : " + Car(p.Enreg.Sexe));
   Ecrit("Père, mère  : " + std::to_string(p.Enreg.Pere.No) + ", " + std::to_string(p.Enreg.Mere.No));
   Ecrit("Conjoints   : " + Nombres(conjoints));
@@ -178,7 +180,10 @@ void AjoutePersonne(TContexteCli& ctx, const std::string& nom, const std::string
   const std::string s = Arg(sexe);
   if (s != "M" && s != "F" && s != "?") throw ERqBase("Le sexe doit être M, F ou ?.");
   const std::string nomInterne = ArgTexte(nomFamille, "le nom");
-  const std::string prenomsInternes = ArgTexte(prenoms, "les prénoms");
+  std::string prenomsInternes = ArgTexte(prenoms, "les prénoms");
+  // Le prénom usuel est tapé entre guillemets : la fiche garde les prénoms sans eux, et son rang.
+  const short usuel = rqbase::CoteNoPrenomUsuel(prenomsInternes.data());
+  prenomsInternes.resize(std::strlen(prenomsInternes.c_str()));
   if (nomInterne.size() > 100) throw ERqBase("Le nom dépasse 100 caractères : rien n'a été enregistré.");
   if (prenomsInternes.size() > 70) throw ERqBase("Les prénoms dépassent 70 caractères : rien n'a été enregistré.");
   auto gest = Ouvre(nom, false);
@@ -186,6 +191,7 @@ void AjoutePersonne(TContexteCli& ctx, const std::string& nom, const std::string
   p.NouvelleFiche(-3);
   p.SetNom(nomInterne);
   p.SetPrenoms(prenomsInternes);
+  p.Enreg.PrenomUsuel = static_cast<uint8_t>(usuel);
   p.SetSexe(s[0]);
   p.Enregistrement();
   gest->EcritureEntete();

@@ -231,3 +231,43 @@ Débordement : 0
 1<TAB>DCF<TAB><HORODATE>
 2<TAB>DDMF<TAB><HORODATE>
 ]=] ARGS personne Famille 4)
+
+# Le prénom usuel : tapé entre guillemets, gardé par son rang, montré entre guillemets en texte.
+rq_cas(prenom_usuel 01_creer SORTIE [=[Dossier créé : Famille.rq2
+]=] ARGS creer Famille)
+# Le prénom usuel est tapé entre guillemets.
+rq_cas(prenom_usuel 02_usuel SORTIE [=[Personne 2 ajoutée.
+]=] ARGS ajouter-personne Famille --nom "de la Tour" --prenoms "Jean \"Paul\" Marie" --sexe M)
+rq_cas(prenom_usuel 03_fiche SORTIE [=[Numéro      : 2
+Type        : P
+Nom         : de la Tour
+Prénoms     : Jean "Paul" Marie (usuel : 2)
+Sexe        : M
+Père, mère  : 0, 0
+Conjoints   : -
+Enfants     : -
+Note        : 0
+Débordement : 0
+]=] ARGS personne Famille 2)
+rq_cas(prenom_usuel 04_json JSON SORTIE [=[{
+  "champs": [],
+  "conjoints": [],
+  "enfants": [],
+  "evenements": [],
+  "extension": 0,
+  "mere": 0,
+  "nom": "de la Tour",
+  "note": 0,
+  "numero": 2,
+  "pere": 0,
+  "prenom_usuel": 2,
+  "prenoms": "Jean Paul Marie",
+  "sexe": "M",
+  "supprime": false,
+  "type": "P"
+}
+]=] ARGS --json personne Famille 2)
+rq_cas(prenom_usuel 05_sans_guillemets JSON SORTIE [=[{
+  "numero": 3
+}
+]=] ARGS --json ajouter-personne Famille --nom Martin --prenoms Louis --sexe M)
