@@ -41,7 +41,7 @@ rq_cas(gedcom 06_ajouter JSON SORTIE [=[{
 rq_cas(gedcom 07_jean_baptiste SORTIE [=[Numéro      : 3
 Type        : P
 Nom         : Lefèvre
-Prénoms     : Jean Baptiste (usuel : 2)
+Prénoms     : Jean "Baptiste" (usuel : 2)
 Sexe        : M
 Père, mère  : 1, 2
 Conjoints   : 4

@@ -258,6 +258,29 @@ TEST_F(ImportGedcomTest, FichiersDAutresProgrammes) {
   LiensSymetriques(*h);
 }
 
+TEST_F(ImportGedcomTest, Gedcom7NotesPartageesEtRenvoisVides) {
+  const std::string ged =
+      "\xEF\xBB\xBF" "0 HEAD\n1 GEDC\n2 VERS 7.0\n"
+      "0 @I1@ INDI\n1 NAME Zo\xC3\xAB /Martin/\n1 SEX F\n1 SNOTE @N1@\n1 BIRT\n2 DATE BET 1850 AND 1860\n"
+      "2 SNOTE @N1@\n1 ASSO @I2@\n2 ROLE FRIEND\n1 FAMC @F1@\n"
+      "0 @F1@ FAM\n1 HUSB @VOID@\n1 CHIL @I1@\n"
+      "0 @N1@ SNOTE Note partag\xC3\xA9" "e\n0 TRLR\n";
+  auto g = Cree();
+  const TRapportImport r = Importe(*g, ged);
+  EXPECT_EQ(r.Version, "7.0");
+  EXPECT_EQ(r.Codage, "UTF-8");
+  EXPECT_EQ(r.Notes, 2);
+  EXPECT_EQ(Decrit(*g, 1),
+            "Martin|Zoë|0|F|0,0||\n  NAISSANCE #  G1850/1860#  [] [] 1+0 note:Note partagée\n  note:Note partagée\n");
+  const std::vector<std::string> raisons = Raisons(r);
+  // ASSO et sa ligne ROLE sont dits ; @VOID@ (personne, dit exprès) ne l'est pas.
+  EXPECT_EQ(raisons, (std::vector<std::string>{
+                         "11:personne associée hors d'un événement : non importée (le dossier cite les personnes "
+                         "dans ses événements)",
+                         "12:personne associée hors d'un événement : non importée (le dossier cite les personnes "
+                         "dans ses événements)"}));
+}
+
 TEST_F(ImportGedcomTest, VivantsExclusOuAnonymises) {
   const std::string ged =
       "0 HEAD\n0 @I1@ INDI\n1 NAME Ancien /Martin/\n1 BIRT\n2 DATE 1850\n1 DEAT\n2 DATE 1910\n1 FAMS @F1@\n"

@@ -7,6 +7,8 @@ namespace {
 constexpr std::string_view kSortes[5] = {"INDI", "FAM", "SOUR", "OBJE", "NOTE"};
 
 int Sorte(std::string_view tag) {
+  // La note partagée de GEDCOM 7 (SNOTE) se cite comme une note.
+  if (tag == "SNOTE") return 4;
   for (int i = 0; i < 5; ++i)
     if (kSortes[i] == tag) return i;
   return -1;

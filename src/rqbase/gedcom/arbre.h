@@ -38,7 +38,8 @@ class TArbreGedcom {
 
   // Les enregistrements (lignes de niveau 0), dans l'ordre du fichier.
   const std::vector<uint32_t>& Enregistrements() const { return Racines; }
-  // L'enregistrement de cette référence et de cette balise (INDI, FAM, SOUR, OBJE, NOTE), ou -1.
+  // L'enregistrement de cette référence et de cette balise (INDI, FAM, SOUR, OBJE, NOTE ; une note
+  // partagée SNOTE de GEDCOM 7 se cherche comme NOTE), ou -1.
   int64_t Cherche(std::string_view tag, std::string_view xref) const;
   // La référence d'une valeur « @X@ », vide si la valeur n'en est pas une.
   static std::string_view Pointeur(std::string_view valeur);

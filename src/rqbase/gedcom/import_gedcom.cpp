@@ -127,6 +127,7 @@ class TImport {
 
 int32_t TImport::Personne(uint32_t i, std::string_view valeur) {
   const std::string_view x = TArbreGedcom::Pointeur(valeur);
+  if (x == "VOID") return -1;  // GEDCOM 7 : « personne », dit exprès
   const int64_t l = A.Cherche("INDI", x);
   if (l < 0) {
     Avertit(i, x.empty() ? "renvoi illisible vers une personne" : "renvoi vers une personne absente du fichier");
@@ -521,7 +522,7 @@ bool TImport::FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenem
       AjouteSource(j, e);
     } else if (tag == "OBJE") {
       AjouteMedia(j, e);
-    } else if (tag == "NOTE") {
+    } else if (tag == "NOTE" || tag == "SNOTE") {
       note += (note.empty() ? "" : "\r\n") + TexteNote(j);
     } else if (tag == "ASSO") {
       AjouteCitee(j, e);
@@ -659,8 +660,10 @@ void TImport::EcritPersonne(int32_t k) {
       if (s != "M" && s != "F" && s != "U" && s != "?" && !s.empty()) Avertit(j, "sexe inconnu : lu ?");
     } else if (tag == "FAMC" || tag == "FAMS") {
       // Lus avec les familles.
-    } else if (tag == "NOTE") {
+    } else if (tag == "NOTE" || tag == "SNOTE") {
       note += (note.empty() ? "" : "\r\n\r\n") + TexteNote(j);
+    } else if (tag == "ASSO") {
+      AvertitTout(j, "personne associée hors d'un événement : non importée (le dossier cite les personnes dans ses événements)");
     } else if (tag == "OBJE") {
       TChpCs* image = Cat ? Cat->RechercheChampsInternePtr("IMAGE") : nullptr;
       if (!image) {
@@ -711,7 +714,7 @@ void TImport::EcritPersonne(int32_t k) {
       A.Enfants(fam.Ligne, [&](uint32_t j) {
         const std::string tag(A.Tag(j));
         if (tag == "HUSB" || tag == "WIFE" || tag == "CHIL") return;
-        if (tag == "NOTE") {
+        if (tag == "NOTE" || tag == "SNOTE") {
           note2 += (note2.empty() ? "" : "\r\n\r\n") + TexteNote(j);
         } else if (TChpCs* chp = ChampDe(j, true)) {
           if (chp->IsEvenement()) {
@@ -784,7 +787,7 @@ void TImport::Lance() {
     } else if (tag == "HEAD") {
       const int64_t gedc = A.Enfant(i, "GEDC");
       if (gedc >= 0) R.Version = std::string(A.ValeurEnfant(uint32_t(gedc), "VERS"));
-    } else if (tag == "TRLR" || tag == "SOUR" || tag == "OBJE" || tag == "NOTE") {
+    } else if (tag == "TRLR" || tag == "SOUR" || tag == "OBJE" || tag == "NOTE" || tag == "SNOTE") {
       // La fin, et les enregistrements lus par renvoi.
     } else {
       AvertitTout(i, tag == "REPO" || tag == "SUBM" || tag == "SUBN"
@@ -865,7 +868,7 @@ void TImport::Lance() {
   // Les enregistrements partagés que rien ne cite : non importés, et dits.
   for (const uint32_t i : racines) {
     const std::string_view tag = A.Tag(i);
-    if ((tag == "SOUR" || tag == "OBJE" || tag == "NOTE") && !Cites[i])
+    if ((tag == "SOUR" || tag == "OBJE" || tag == "NOTE" || tag == "SNOTE") && !Cites[i])
       Avertit(i, "enregistrement qu'aucune ligne importée ne cite : non importé");
   }
   Gest.EcritureEntete();
