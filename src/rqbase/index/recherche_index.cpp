@@ -335,9 +335,17 @@ bool TGestEltIndex::PersonneValide(long no) {
   if (no <= 0) return false;
   if (!Personnes) return true;
   if (no > Personnes->NbEnreg()) return false;
-  TEnregPersonne e{};
-  if (!Personnes->LitEnreg(no, e)) return false;
-  return e.Supprime != 'O';
+  const auto n = static_cast<size_t>(no);
+  if (ValiditeEcritures != Personnes->NbEcritures()) {
+    Validite.assign(Validite.size(), 0);
+    ValiditeEcritures = Personnes->NbEcritures();
+  }
+  if (Validite.size() <= n) Validite.resize(std::max<size_t>(n + 1, static_cast<size_t>(Personnes->NbEnreg()) + 1), 0);
+  if (Validite[n] == 0) {
+    TEnregPersonne e{};
+    Validite[n] = Personnes->LitEnreg(no, e) && e.Supprime != 'O' ? 1 : 2;
+  }
+  return Validite[n] == 1;
 }
 
 bool TGestEltIndex::CriterePersonne(const TRechSimple& rs, long no) {

@@ -156,6 +156,11 @@ class TGestEltIndex : public TTableTV {
   bool CriterePersonne(const TRechSimple& rs, long no);
   void PrepareSoundex();
   std::atomic<bool> Abandon{false};
+  // Ce que la fiche de chaque numéro a dit (0 pas encore lue, 1 vivante, 2 supprimée ou
+  // illisible) : une personne trouvée par bien des recherches n'est lue qu'une fois, tant
+  // qu'aucune fiche n'a été écrite depuis (ValiditeEcritures).
+  std::vector<uint8_t> Validite;
+  uint64_t ValiditeEcritures = 0;
   std::vector<uint64_t> ParSoundex;  // (code du soundex << 32) | rang, trié
   long SoundexNb = -1, SoundexUtilise = -1;
   long ArretA = 0;  // nombre de personnes après lequel le parcours en cours s'arrête

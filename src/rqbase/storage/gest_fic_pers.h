@@ -167,14 +167,19 @@ class TFicPersons : public TFicEnregBase {
   // Écrit l'enregistrement puis, pour un numéro neuf, l'en-tête ; true quand il est sur le
   // disque. Un numéro au-delà du compte est refusé.
   bool EcritEnreg(long no, const TEnregPersonne& enreg) {
+    ++Ecritures;
     return TFicEnregBase::EcritEnreg(no, &enreg, nullptr);
   }
+  // Le nombre de fiches écrites depuis l'ouverture : ce qu'un lecteur a retenu de fiches lues
+  // avant ne vaut plus dès qu'il a changé.
+  uint64_t NbEcritures() const { return Ecritures; }
 
   long NoDeCujus = -1;
   long Signet1 = -1;
   long Signet2 = -1;
 
  private:
+  uint64_t Ecritures = 0;
   std::unique_ptr<TCachePersonnes> CacheP;
 };
 
