@@ -74,8 +74,10 @@ json Rapport(const rqbase::TRapportImport& r) {
 void Importer(TContexteCli& ctx, const TOptionsGedcom& o) {
   const std::string fichier = Arg(o.Fichier);
   // Le fichier d'abord : illisible, rien n'est créé ni ouvert.
-  const std::string octets = LitFichier(fichier);
+  std::string octets = LitFichier(fichier);
   auto lu = rqbase::LitGedcom(octets);
+  // Les lignes ont leur propre tampon : les octets du fichier ne servent plus.
+  std::string().swap(octets);
 
   std::unique_ptr<TGestFichier> gest;
   if (o.Creer) {
