@@ -23,15 +23,15 @@ rq_cas(estimation 09_louise_parents SORTIE [=[Lien enregistré.
 ]=] ARGS lier Famille --pere 2 --mere 3 --enfant 5)
 rq_cas(estimation 10_pere_de_jean SORTIE [=[Lien enregistré.
 ]=] ARGS lier Famille --pere 6 --enfant 2)
-rq_cas(estimation 11_naissance_paul SORTIE [=[Événement 11 ajouté au rang 1.
+rq_cas(estimation 11_naissance_paul SORTIE [=[Événement 12 ajouté au rang 1.
 ]=] ARGS evenement ajouter Famille 4 NAISSANCE --date "12 mars 1852")
-rq_cas(estimation 12_naissance_louise SORTIE [=[Événement 12 ajouté au rang 1.
+rq_cas(estimation 12_naissance_louise SORTIE [=[Événement 13 ajouté au rang 1.
 ]=] ARGS evenement ajouter Famille 5 NAISSANCE --date 1850)
-rq_cas(estimation 13_naissance_pierre SORTIE [=[Événement 13 ajouté au rang 1.
+rq_cas(estimation 13_naissance_pierre SORTIE [=[Événement 14 ajouté au rang 1.
 ]=] ARGS evenement ajouter Famille 6 NAISSANCE --date 01/01/1790)
-rq_cas(estimation 14_deces_pierre SORTIE [=[Événement 14 ajouté au rang 2.
+rq_cas(estimation 14_deces_pierre SORTIE [=[Événement 15 ajouté au rang 2.
 ]=] ARGS evenement ajouter Famille 6 DECES --date 01/01/1860)
-rq_cas(estimation 15_union SORTIE [=[Événement 15 ajouté au rang 1.
+rq_cas(estimation 15_union SORTIE [=[Événement 16 ajouté au rang 1.
 ]=] ARGS evenement ajouter Famille 2 UNION --date "#caG../../1849#" --conjoint 3)
 
 # Jean : l'union (1848 à 1851, « vers » élargit d'un an) le fait naître de 1778 à 1834 ; ses

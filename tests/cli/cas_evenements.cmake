@@ -15,7 +15,7 @@ rq_cas(evenements 05_qualite SORTIE [=[Valeur 1 (rang 0).
 rq_cas(evenements 06_parente SORTIE [=[Valeur 1 (rang 0).
 ]=] ARGS parente ajouter Famille --valeur Cousin)
 rq_cas_action(evenements 07_lignes sqlite3 Famille.rq2/Famille.adb
-  "INSERT INTO Evenements (ID, Type, LibelleChamps, Donnee, NoPersA, NoPersB, Acte, TypeCalend, \"Date\", Lieu, LieuDit, Note, _DONNEE, _DATE, RANG_A, RANG_B) VALUES (1, 0, 'NAISSANCE', 'à la maison', 2, 0, '', 'G', '03/03/1850', 1, 'La Croix-Rousse', 0, 'à la maison', 18500303, 1, 0), (2, 0, 'MARIAGE', '', 3, 2, '~', 'G', '../06/1875', 1, '', 0, '', 18750600, 1, 2), (3, 1, 'PROFESSION', 'couturière', 2, 0, '', '', '', 0, '', 0, 'couturière', 0, 3, 0), (4, 0, 'DECES', '', 2, 0, '', 'R', '01/VEND/01', 99, '', 77, '', 0, 4, 0), (5, 0, 'DECES', 'caché', -2, 0, '', 'G', '', 0, '', 0, 'caché', 0, 5, 0); INSERT INTO Sources (ID_EVEN, TYPE, DESCRIPTIF, RANG) VALUES (1, 'Acte', 'Registre paroissial', 1), (1, 'Bans', 'Mairie', 0); INSERT INTO Illustrations (ID_EVEN, CHEMIN, RANG) VALUES (1, 'Images\\acte.jpg', 0); INSERT INTO PersAssociees (ID_EVEN, LienQualite, LienParente, LienPers_No, LienPers_NivNo, Rang) VALUES (1, 1, 1, 3, '', 1), (1, 9, 0, 2, '', 1);")
+  "INSERT INTO Evenements (ID, Type, LibelleChamps, Donnee, NoPersA, NoPersB, Acte, TypeCalend, \"Date\", Lieu, LieuDit, Note, _DONNEE, _DATE, RANG_A, RANG_B) VALUES (11, 0, 'NAISSANCE', 'à la maison', 2, 0, '', 'G', '03/03/1850', 1, 'La Croix-Rousse', 0, 'à la maison', 18500303, 1, 0), (12, 0, 'MARIAGE', '', 3, 2, '~', 'G', '../06/1875', 1, '', 0, '', 18750600, 1, 2), (13, 1, 'PROFESSION', 'couturière', 2, 0, '', '', '', 0, '', 0, 'couturière', 0, 3, 0), (14, 0, 'DECES', '', 2, 0, '', 'R', '01/VEND/01', 99, '', 77, '', 0, 4, 0), (15, 0, 'DECES', 'caché', -2, 0, '', 'G', '', 0, '', 0, 'caché', 0, 5, 0); INSERT INTO Sources (ID_EVEN, TYPE, DESCRIPTIF, RANG) VALUES (11, 'Acte', 'Registre paroissial', 1), (11, 'Bans', 'Mairie', 0); INSERT INTO Illustrations (ID_EVEN, CHEMIN, RANG) VALUES (11, 'Images\\acte.jpg', 0); INSERT INTO PersAssociees (ID_EVEN, LienQualite, LienParente, LienPers_No, LienPers_NivNo, Rang) VALUES (11, 1, 1, 3, '', 1), (11, 9, 0, 2, '', 1);")
 # L'union est chez Louise au rang 2 (RANG_B) ; le décès républicain a un lieu et une note
 # hors de leurs fichiers : lus 0. La ligne cachée (personne -2) n'apparaît pas.
 rq_cas(evenements 08_json JSON SORTIE [=[{
@@ -23,7 +23,7 @@ rq_cas(evenements 08_json JSON SORTIE [=[{
     {
       "donnee": "couturière",
       "libelle": "PROFESSION",
-      "numero": 3,
+      "numero": 13,
       "personne_a": 2,
       "personne_b": 0,
       "rang": 1
@@ -45,7 +45,7 @@ rq_cas(evenements 08_json JSON SORTIE [=[{
       "lieu_dit": "La Croix-Rousse",
       "lieu_texte": "Lyon, Rhône, France",
       "note": 0,
-      "numero": 1,
+      "numero": 11,
       "personne_a": 2,
       "personne_b": 0,
       "personnes_citees": [
@@ -83,7 +83,7 @@ rq_cas(evenements 08_json JSON SORTIE [=[{
       "lieu_dit": "",
       "lieu_texte": "Lyon, Rhône, France",
       "note": 0,
-      "numero": 2,
+      "numero": 12,
       "personne_a": 3,
       "personne_b": 2,
       "personnes_citees": [],
@@ -101,7 +101,7 @@ rq_cas(evenements 08_json JSON SORTIE [=[{
       "lieu_dit": "",
       "lieu_texte": "",
       "note": 0,
-      "numero": 4,
+      "numero": 14,
       "personne_a": 2,
       "personne_b": 0,
       "personnes_citees": [],
@@ -132,7 +132,7 @@ rq_cas(evenements 11_reenregistrer MOTIF JSON SORTIE [=[.*"lignes_ecrites": 2
 rq_cas(evenements 12_reenregistrer_rien MOTIF SORTIE [=[.*Lignes écrites : 0
 ]=] ARGS evenements Famille 2 --reenregistrer)
 rq_cas_action(evenements 13_verifie_date sqlite3 Famille.rq2/Famille.adb
-  "SELECT CASE WHEN (SELECT _DATE FROM Evenements WHERE ID = 4) = 17920922 AND (SELECT RANG_A FROM Evenements WHERE ID = 3) = 1 AND (SELECT Lieu FROM Evenements WHERE ID = 4) = 99 THEN 1 ELSE abs(-9223372036854775808) END;")
+  "SELECT CASE WHEN (SELECT _DATE FROM Evenements WHERE ID = 14) = 17920922 AND (SELECT RANG_A FROM Evenements WHERE ID = 13) = 1 AND (SELECT Lieu FROM Evenements WHERE ID = 14) = 99 THEN 1 ELSE abs(-9223372036854775808) END;")
 rq_cas(evenements 14_personne_absente CODE 1 ERREUR [=[rqbase : La personne 9 n'existe pas dans ce dossier.
 ]=] ARGS evenements Famille 9)
 rq_cas(evenements 15_personne_zero CODE 1 ERREUR [=[rqbase : La personne 0 n'existe pas dans ce dossier.

@@ -27,18 +27,18 @@ rq_cas(famille 08_deja JSON SORTIE [=[{
 rq_cas(famille 09_louise_parents SORTIE [=[Lien enregistré.
 ]=] ARGS lier Famille --pere 2 --mere 3 --enfant 5)
 rq_cas(famille 10_naissance_paul JSON SORTIE [=[{
-  "numero": 10,
+  "numero": 11,
   "rang": 1
 }
 ]=] ARGS --json evenement ajouter Famille 4 NAISSANCE --date "12 mars 1852" --lieu Lyon --code 69 --pays France)
 rq_cas(famille 11_naissance_louise JSON SORTIE [=[{
-  "numero": 11,
+  "numero": 12,
   "rang": 1
 }
 ]=] ARGS --json evenement ajouter Famille 5 NAISSANCE --date 1850)
 # Une union datée : l'union vierge, sans date, garde sa place.
 rq_cas(famille 12_union_datee JSON SORTIE [=[{
-  "numero": 12,
+  "numero": 13,
   "rang": 2
 }
 ]=] ARGS --json evenement ajouter Famille 2 UNION --date "#caG../../1849#" --conjoint 3)
@@ -48,7 +48,7 @@ rq_cas(famille 13_professions JSON SORTIE [=[{
 }
 ]=] ARGS --json professions Famille 2 menuisier,charron)
 rq_cas(famille 14_titre JSON SORTIE [=[{
-  "numero": 15,
+  "numero": 16,
   "rang": 3
 }
 ]=] ARGS --json champ ajouter Famille 2 TITRE maître)
@@ -78,7 +78,7 @@ rq_cas(famille 17_marie JSON SORTIE [=[{
     {
       "donnee": "<HORODATE>",
       "libelle": "DCF",
-      "numero": 4,
+      "numero": 5,
       "personne_a": 3,
       "personne_b": 0,
       "rang": 1
@@ -86,7 +86,7 @@ rq_cas(famille 17_marie JSON SORTIE [=[{
     {
       "donnee": "<HORODATE>",
       "libelle": "DDMF",
-      "numero": 5,
+      "numero": 6,
       "personne_a": 3,
       "personne_b": 0,
       "rang": 2
@@ -111,7 +111,7 @@ rq_cas(famille 17_marie JSON SORTIE [=[{
       "lieu_dit": "",
       "lieu_texte": "",
       "note": 0,
-      "numero": 1,
+      "numero": 2,
       "personne_a": 2,
       "personne_b": 3,
       "personnes_citees": [],
@@ -129,7 +129,7 @@ rq_cas(famille 17_marie JSON SORTIE [=[{
       "lieu_dit": "",
       "lieu_texte": "",
       "note": 0,
-      "numero": 12,
+      "numero": 13,
       "personne_a": 2,
       "personne_b": 3,
       "personnes_citees": [],
@@ -201,7 +201,7 @@ rq_cas(famille 23_jean_avec_louise JSON SORTIE [=[{
 }
 ]=] ARGS --json classer Famille 2)
 rq_cas(famille 24_supprimer_union_vierge JSON SORTIE [=[{
-  "numero": 1,
+  "numero": 2,
   "supprime": true
 }
 ]=] ARGS --json evenement supprimer Famille 2 1)

@@ -353,15 +353,15 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
     enreg.Sexe = '?';
     std::strcpy(enreg.Nom, "X");
     Persons->EcritEnreg(no, enreg);
-    // Le champ d'origine des données (ORIGINE_DONNEE) et le Sosa 1 du fichier .sst
-    // s'écrivent ici quand les champs simples et TFicSosas sont là.
+    // Place du Sosa 1 du fichier .sst, quand TFicSosas sera là.
     asNoStradoCujus = 1;
   }
-  // L'index des noms d'un dossier neuf est fait d'emblée : la première personne y entre, et
-  // la clé le dit (la première ouverture n'a rien à reconstruire).
+  // La première personne reçoit le champ d'origine des données, et entre dans l'index des
+  // noms, fait d'emblée : la clé le dit (la première ouverture n'a rien à reconstruire).
   if (premierePersonne == 1) {
-    TPerson premiere(Persons.get(), no);
-    Index->ModifClef(&premiere, true);
+    TPerson premiere(Persons.get(), no, true);
+    premiere.AddOrigineDataChps();
+    premiere.Enregistrement();
   }
   BDD->MAJInfoChps("INDEXNAME", "UPDATED");
   SetStateCum(2);
