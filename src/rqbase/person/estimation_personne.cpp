@@ -284,16 +284,7 @@ void TEstimationPersonne::EstimeEvenementsPersonne(TPerson& p) {
       continue;
     }
     if (libelles.NaissanceOuDeces(e.Libelle)) continue;
-    if (f.IsInfini()) {
-      // « avant » ou « après » une date : seul le côté sûr sert (vivant au plus tard à
-      // cette date, ou encore vivant après elle), l'enveloppe ne saurait où placer le fait.
-      if (f.InfOuvert)
-        UpdateIntervalNaissance(DemiOuvertBas(f.Sup));
-      else
-        UpdateIntervalDeces(DemiOuvertHaut(f.Inf));
-      continue;
-    }
-    Joint(IntervalFaits, f);
+    PrendFait(f, IntervalFaits);
   }
   if (!EstOuvert(IntervalFaits)) InitNaissDecesRapportPremierDernierFait(IntervalFaits, 5);
 }
@@ -327,16 +318,22 @@ void TEstimationPersonne::EstimeCitationsPersonne(TPerson& p) {
     TInterval<float> f;
     IntervalDeDate(date, annee, f);
     if (EstOuvert(f)) continue;
-    if (f.IsInfini()) {
-      if (f.InfOuvert)
-        UpdateIntervalNaissance(DemiOuvertBas(f.Sup));
-      else
-        UpdateIntervalDeces(DemiOuvertHaut(f.Inf));
-      continue;
-    }
-    Joint(IntervalFaitsCitations, f);
+    PrendFait(f, IntervalFaitsCitations);
   }
   if (!EstOuvert(IntervalFaitsCitations)) InitNaissDecesRapportPremierDernierFait(IntervalFaitsCitations, 0);
+}
+
+void TEstimationPersonne::PrendFait(const TInterval<float>& f, TInterval<float>& enveloppe) {
+  if (f.IsInfini()) {
+    // « avant » ou « après » une date : seul le côté sûr sert (vivant au plus tard à cette
+    // date, ou encore vivant après elle), l'enveloppe ne saurait où placer le fait.
+    if (f.InfOuvert)
+      UpdateIntervalNaissance(DemiOuvertBas(f.Sup));
+    else
+      UpdateIntervalDeces(DemiOuvertHaut(f.Inf));
+    return;
+  }
+  Joint(enveloppe, f);
 }
 
 void TEstimationPersonne::InitNaissDecesRapportPremierDernierFait(const TInterval<float>& faits, int minimumMoyen) {

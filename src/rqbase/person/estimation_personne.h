@@ -93,6 +93,8 @@ class TEstimationPersonne {
   void EstimeFourchetteNaissanceRapportDeces(bool bornes);
   void TraiteIncoherences();
   void CalculIntervalProcreation(const TPerson& p);
+  // Un fait daté : dans l'enveloppe des faits ; « avant » ou « après » : son seul côté sûr.
+  void PrendFait(const TInterval<float>& f, TInterval<float>& enveloppe);
   void InitNaissDecesRapportPremierDernierFait(const TInterval<float>& faits, int minimumMoyen);
   // L'estimation simple d'un proche (du cache s'il l'a) ; nul s'il ne dit rien.
   const TEstimationPersonne* EstimeProche(TPerson& p, long no, TEstimationPersonne& travail);
