@@ -10,6 +10,7 @@
 #include <random>
 #include <vector>
 
+#include "personne_essai.h"
 #include "dossier_essai.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/person/estimation_personne.h"
@@ -110,14 +111,7 @@ class EstimationTest : public testing::Test {
   }
   void TearDown() override { InstalleDialogue(nullptr); }
 
-  long Ajoute(const char* nom, char sexe = 'M') {
-    TPerson p(Fic);
-    p.NouvelleFiche(-3);
-    p.SetNom(nom);
-    p.SetSexe(sexe);
-    p.Enregistrement();
-    return p.No();
-  }
+  long Ajoute(const char* nom, char sexe = 'M') { return essai::AjoutePersonne(Fic, nom, sexe); }
   // Un événement avecDate ; `acte` "<", ">", "ca"... ; `conjoint` en fait un événement de couple.
   long Even(long no, const char* libelle, const char* date, long conjoint = 0, const char* acte = "") {
     TPerson p(Fic, no, true);

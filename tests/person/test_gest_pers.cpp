@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "personne_essai.h"
 #include "dossier_essai.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/dossier/gest_fic.h"
@@ -19,15 +20,7 @@ class PersonTest : public testing::Test {
     ASSERT_FALSE(Gest->EnErreur());
     Fic = Gest->FicPersons();
   }
-  // Une personne neuve enregistrée, son numéro rendu.
-  long Ajoute(const char* nom, char sexe = 'M') {
-    TPerson p(Fic);
-    p.NouvelleFiche(-3);
-    p.SetNom(nom);
-    p.SetSexe(sexe);
-    p.Enregistrement();
-    return p.No();
-  }
+  long Ajoute(const char* nom, char sexe = 'M') { return essai::AjoutePersonne(Fic, nom, sexe); }
   // Écrase l'octet `decalage` de l'enregistrement `no` sur le disque.
   void AbimeOctet(long no, size_t decalage, char valeur) {
     TEnregPersonne e;

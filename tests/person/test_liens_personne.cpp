@@ -11,6 +11,7 @@
 #include <set>
 #include <vector>
 
+#include "personne_essai.h"
 #include "dossier_essai.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/person/gest_pers.h"
@@ -34,14 +35,7 @@ class LiensTest : public testing::Test {
   }
   void TearDown() override { InstalleDialogue(nullptr); }
 
-  long Ajoute(const char* nom, char sexe) {
-    TPerson p(Fic);
-    p.NouvelleFiche(-3);
-    p.SetNom(nom);
-    p.SetSexe(sexe);
-    p.Enregistrement();
-    return p.No();
-  }
+  long Ajoute(const char* nom, char sexe) { return essai::AjoutePersonne(Fic, nom, sexe); }
   // La fiche telle qu'elle est sur le disque.
   TPerson Disque(long no, bool complement = false) { return TPerson(Fic, no, complement); }
 
