@@ -513,5 +513,45 @@ TEST_F(EvenementsBddTest, ParcoursDesDonneesEtChampsParLibelle) {
   EXPECT_EQ(ddmf[3].first, 11);
 }
 
+// L'import ôte les index des événements qu'il ne lit pas et les refait à la fin ; un import
+// interrompu (jamais fini) les laisse absents, et la prochaine ouverture en écriture les refait.
+TEST_F(EvenementsBddTest, IndexOtesLeTempsDUnImportPuisRefaits) {
+  auto index = [&] {
+    return Compte("SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND tbl_name = 'Evenements'");
+  };
+  const long complet = index();
+  Bdd->BeginImport();
+  EXPECT_EQ(index(), complet - 5);
+  EXPECT_TRUE(Bdd->IndexExiste("Evenements", "ParNoPersA"));  // lu par l'enregistrement d'une personne
+  TEvenement e(Bdd.get());
+  e.Enreg.SetLibelle("NAISSANCE");
+  e.Enreg.NoPersA = 1;
+  ASSERT_TRUE(Bdd->EnregistrementEven(&e));
+  Bdd->EndImport();
+  EXPECT_EQ(index(), complet);
+  EXPECT_EQ(Compte("SELECT COUNT(*) FROM Evenements WHERE LibelleChamps = 'NAISSANCE'"), 1);
+  // Interrompu après un premier paquet validé (1 000 lignes) : les index ôtés le sont pour de
+  // bon, la suite de l'import est perdue avec l'objet détruit.
+  Bdd->BeginImport();
+  for (int k = 0; k < 1100; ++k) {
+    TEvenement ev(Bdd.get());
+    ev.Enreg.SetLibelle("RESIDENCE");
+    ev.Enreg.NoPersA = 2;
+    ASSERT_TRUE(Bdd->EnregistrementEven(&ev));
+  }
+  Bdd.reset();
+  {
+    TModuleBDD lecture(Adb, "5.90", TAccesDossier::LectureSeule);
+    ASSERT_TRUE(lecture.OpenDataBase());
+    SQLite::Statement q(lecture.Base(),
+                        "SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND tbl_name = 'Evenements'");
+    q.executeStep();
+    EXPECT_EQ(q.getColumn(0).getInt64(), complet - 5);  // rien ne s'écrit en lecture seule
+  }
+  Bdd = std::make_unique<TModuleBDD>(Adb, "5.90");
+  ASSERT_TRUE(Bdd->OpenDataBase());
+  EXPECT_EQ(index(), complet);
+}
+
 }  // namespace
 }  // namespace rqbase

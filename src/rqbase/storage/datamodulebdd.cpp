@@ -29,6 +29,12 @@ namespace fs = std::filesystem;
 namespace rqbase {
 
 namespace {
+// Les index des événements qu'aucune requête d'un import ne lit.
+constexpr const char* kIndexSuspendusEnImport[] = {"ParType", "ParLibEtDonnee", "ParLieu", "Par_DATE",
+                                                    "Par_DateLastModif"};
+}  // namespace
+
+namespace {
 
 constexpr long TaillePaquetImport = 1000;
 // Délai de verrou 1 ms et 1000 essais : une seconde d'attente au plus.
@@ -474,6 +480,24 @@ void TModuleBDD::CreeTable(const std::string& nom) {
 
 // --- Mise à niveau ---
 
+void TModuleBDD::RefaitIndexManquants() {
+  const TTableSchema& t = *TableSchema("Evenements");
+  // Un index dont une colonne manque (base ancienne pas encore mise à niveau) attend sa mise
+  // à niveau : il n'est pas refait ici.
+  std::vector<const TIndexSchema*> aFaire;
+  for (const char* nom : kIndexSuspendusEnImport) {
+    const TIndexSchema* index = t.IndexNomme(nom);
+    if (IndexExiste(t.Nom, nom)) continue;
+    bool colonnes = true;
+    for (const char* c : index->Colonnes) colonnes = colonnes && ColonneExiste(t.Nom, c);
+    if (colonnes) aFaire.push_back(index);
+  }
+  if (aFaire.empty()) return;
+  SQLite::Transaction tr(*Bdd);
+  for (const TIndexSchema* index : aFaire) Bdd->exec(SqlCreationIndex(t, *index));
+  tr.commit();
+}
+
 void TModuleBDD::UpdateOldBase() {
   if (Acces != TAccesDossier::Modifiable || !Bdd || LectureSeuleEffective) return;
   Protege([&] {
@@ -485,6 +509,8 @@ void TModuleBDD::UpdateOldBase() {
     if (!TableExiste("IndexNomPrenoms")) CreeTable("IndexNomPrenoms");
     if (TableExiste("Geolocalisation")) AddColumnGeoAddress();
     if (TableExiste("Evenements")) AjouterTypeDateEven();
+    // Un import interrompu a pu laisser des index des événements ôtés.
+    if (TableExiste("Evenements")) RefaitIndexManquants();
   });
 }
 
@@ -625,6 +651,12 @@ void TModuleBDD::BeginImport() {
     // centaines de milliers de lignes fait ainsi seize fois moins de reversements.
     Bdd->exec("PRAGMA wal_autocheckpoint=16384");
     Transaction = std::make_unique<SQLite::Transaction>(*Bdd);
+    // Les index des événements que l'import ne lit pas sont ôtés le temps de l'import et
+    // refaits d'un coup à la fin : chaque ligne en coûte deux fois moins. Une panne au milieu
+    // les laisse absents ; l'ouverture suivante les refait (RefaitIndexManquants).
+    for (const char* index : kIndexSuspendusEnImport) {
+      if (IndexExiste("Evenements", index)) Bdd->exec("DROP INDEX " + std::string("\"") + NomIndexSql("Evenements", index) + "\"");
+    }
     CompteurImport = 1;
     if (PremierNumEven == 0) PremierNumEven = ReserveNumero("Evenements", "ID");
     if (PremierNumSource == 0) PremierNumSource = ReserveNumero("Sources", "ID_SOURCE");
@@ -639,6 +671,7 @@ void TModuleBDD::EndImport() {
     if (Transaction) Transaction->commit();
     Transaction.reset();
     CompteurImport = 0;
+    RefaitIndexManquants();
     Bdd->exec("PRAGMA synchronous=FULL");
     Bdd->exec("PRAGMA wal_autocheckpoint=1000");
   });

@@ -439,6 +439,8 @@ class TModuleBDD {
   void UpdateTableTranscription();
   void AddColumnGeoAddress();
   void AjouterTypeDateEven();
+  // Refait les index des événements qu'un import ôte, s'il en manque.
+  void RefaitIndexManquants();
   long ReserveNumero(const char* table, const char* colonneId);
   void MetDeCoteAncienneBase();
   [[noreturn]] void ErreurMoteur(const std::exception& e) const;
