@@ -100,6 +100,11 @@ class TExport {
   void Familles();
   void Personne(long no);
   void Famille(long id, const TFamille& f);
+  // Les événements et champs simples de `p` que `garde` retient, au niveau 1, par leur balise
+  // du catalogue ; un fait sans balise est compté, les dates de gestion (DCF, DDMF...) ne
+  // sortent pas.
+  template <typename F>
+  void Faits(TPerson& p, F garde);
   void Evenement(int niveau, const TEvenement::TEnreg& e, TChpCs* chp);
   void Simple(int niveau, const TChpsSimple::TEnreg& c, TChpCs* chp);
   void Note(int niveau, long note);
@@ -260,32 +265,38 @@ void TExport::Personne(long no) {
   }
   W.Ligne(1, "SEX", p.EstHomme() ? "M" : p.EstFemme() ? "F" : "U");
   if (!anonyme) {
-    if (p.Evens())
-      for (const TEvenementTV& ev : *p.Evens()) {
-        if (ev.Enreg.NoPersB != 0 && ev.Enreg.NoConjoint(no) != 0) continue;  // à la famille
-        TChpCs* chp = Cat ? Cat->RechercheChampsInternePtr(ev.Enreg.Libelle) : nullptr;
-        if (!chp || chp->TagGedCom.empty()) {
-          ++R.SansBalise;
-          continue;
-        }
-        Evenement(1, ev.Enreg, chp);
-      }
-    if (p.Chps())
-      for (const TChpsSimpleTV& c : *p.Chps()) {
-        if (c.Enreg.NoPersB != 0 && c.Enreg.NoConjoint(no) != 0) continue;
-        TChpCs* chp = Cat ? Cat->RechercheChampsInternePtr(c.Enreg.Libelle) : nullptr;
-        if (!chp || chp->TagGedCom.empty() || chp->IsDateGestSys()) {
-          if (!chp || !chp->IsDateGestSys()) ++R.SansBalise;
-          continue;
-        }
-        Simple(1, c.Enreg, chp);
-      }
+    // Les faits de couple vont à la famille.
+    Faits(p, [no](const auto& e) { return !(e.NoPersB != 0 && e.NoConjoint(no) != 0); });
     Note(1, p.Enreg.Note);
   }
   if (const long f = Famc[size_t(no)]) W.Renvoi(1, "FAMC", 'F', f);
   if (auto it = Fams2.find(no); it != Fams2.end())
     for (const long f : it->second) W.Renvoi(1, "FAMS", 'F', f);
   ++R.Personnes;
+}
+
+template <typename F>
+void TExport::Faits(TPerson& p, F garde) {
+  if (p.Evens())
+    for (const TEvenementTV& ev : *p.Evens()) {
+      if (!garde(ev.Enreg)) continue;
+      TChpCs* chp = Cat ? Cat->RechercheChampsInternePtr(ev.Enreg.Libelle) : nullptr;
+      if (!chp || chp->TagGedCom.empty()) {
+        ++R.SansBalise;
+        continue;
+      }
+      Evenement(1, ev.Enreg, chp);
+    }
+  if (p.Chps())
+    for (const TChpsSimpleTV& c : *p.Chps()) {
+      if (!garde(c.Enreg)) continue;
+      TChpCs* chp = Cat ? Cat->RechercheChampsInternePtr(c.Enreg.Libelle) : nullptr;
+      if (!chp || chp->TagGedCom.empty() || chp->IsDateGestSys()) {
+        if (!chp || !chp->IsDateGestSys()) ++R.SansBalise;
+        continue;
+      }
+      Simple(1, c.Enreg, chp);
+    }
 }
 
 void TExport::Famille(long id, const TFamille& f) {
@@ -296,26 +307,7 @@ void TExport::Famille(long id, const TFamille& f) {
     TPerson p(Fic);
     p.Lecture(f.Mari, true);
     p.ChargeListes();
-    if (p.Evens())
-      for (const TEvenementTV& ev : *p.Evens()) {
-        if (!ev.Enreg.IsCouple(f.Mari, f.Femme)) continue;
-        TChpCs* chp = Cat ? Cat->RechercheChampsInternePtr(ev.Enreg.Libelle) : nullptr;
-        if (!chp || chp->TagGedCom.empty()) {
-          ++R.SansBalise;
-          continue;
-        }
-        Evenement(1, ev.Enreg, chp);
-      }
-    if (p.Chps())
-      for (const TChpsSimpleTV& c : *p.Chps()) {
-        if (!c.Enreg.IsCouple(f.Mari, f.Femme)) continue;
-        TChpCs* chp = Cat ? Cat->RechercheChampsInternePtr(c.Enreg.Libelle) : nullptr;
-        if (!chp || chp->TagGedCom.empty()) {
-          ++R.SansBalise;
-          continue;
-        }
-        Simple(1, c.Enreg, chp);
-      }
+    Faits(p, [&f](const auto& e) { return e.IsCouple(f.Mari, f.Femme); });
   }
   // Les enfants dans l'ordre de la table du père (ou de la mère), qui est celui du dossier.
   std::vector<long> ordre;
