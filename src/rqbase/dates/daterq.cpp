@@ -48,10 +48,15 @@ TDateRQ::TDateRQ() {
   std::memset(Date, 0, sizeof Date);
 }
 
-TDateRQ::TDateRQ(const TDateRQ& autre) : TDateRQ() {
+TDateRQ::TDateRQ(const TDateRQ& autre) {
   std::memcpy(Acte, autre.Acte, sizeof Acte);
   Calendrier = autre.Calendrier == '?' ? 'G' : autre.Calendrier;
-  SetDate(autre.GetDate());
+  // Le texte jusqu'à son premier zéro (10 caractères au plus), sans blancs de fin, le reste à
+  // zéro : SetDate(autre.GetDate()) sans texte intermédiaire (une copie d'événement en fait une).
+  size_t n = strnlen(autre.Date, 10);
+  while (n > 0 && static_cast<unsigned char>(autre.Date[n - 1]) <= ' ') --n;
+  std::memset(Date, 0, sizeof Date);
+  std::memcpy(Date, autre.Date, n);
 }
 
 TDateRQ::TDateRQ(char calendrier, std::string_view date) : TDateRQ() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/storage/contexte_dossier.h"
@@ -54,7 +55,9 @@ std::string DossierDe(const TModuleBDD& bdd) {
 // --- TEvenement::TEnreg ---
 
 void TEvenement::TEnreg::Raz() {
-  for (auto& p : PersAssociees) p = TPersAssociee();
+  // Une personne citée vide est faite de zéros : les 50 places se vident d'un coup.
+  static_assert(std::is_trivially_copyable_v<TPersAssociee>);
+  std::memset(static_cast<void*>(PersAssociees), 0, sizeof PersAssociees);
   std::fill(std::begin(Illustrations), std::end(Illustrations), 0);
   std::fill(std::begin(Sources), std::end(Sources), 0);
   PersAssocieesChargees = IllustrationsChargees = SourcesChargees = false;

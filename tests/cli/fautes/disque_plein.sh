@@ -48,7 +48,10 @@ numeros=$(wc -l <"$TRAVAIL/avant")
 note "ajout sur un disque plein (fichiers bornés à $kio Kio, le .prs en fait $taille octets)"
 sous_limite "$kio" ajouter-personne Famille --nom Plein --prenoms Coupé --sexe M
 [ "$code" = 1 ] || echoue "ajout sur disque plein : code $code au lieu de 1"
-grep -qF "L'écriture dans le dossier a échoué (disque plein, erreur du disque, ou fichier du dossier qui n'a pas pu s'ouvrir) : la personne n'a pas été ajoutée." \
+# Le premier à buter sur le disque plein le dit : le fichier des personnes, ou la base, que
+# l'index des noms écrit avant la fiche.
+grep -qF -e "L'écriture dans le dossier a échoué (disque plein, erreur du disque, ou fichier du dossier qui n'a pas pu s'ouvrir) : la personne n'a pas été ajoutée." \
+  -e "Une erreur s'est produite sur la base Famille.adb" \
   "$TRAVAIL/_erreur" || echoue "ajout sur disque plein : message [$(head -2 "$TRAVAIL/_erreur")]"
 [ ! -s "$TRAVAIL/_sortie" ] || echoue "ajout sur disque plein : un échec ne dit pas « ajoutée » : $(sortie)"
 apres=$(stat -c %s Famille.rq2/Famille.prs)
