@@ -29,6 +29,10 @@ namespace fs = std::filesystem;
 namespace rqbase {
 
 namespace {
+// Sans comptes de mémoire, chaque allocation de SQLite se passe d'un verrou global. Le réglage
+// ne vaut qu'avant la première connexion du processus : il est posé au chargement.
+const int gSansComptesMemoire = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+
 // Les index des événements qu'aucune requête d'un import ne lit.
 constexpr const char* kIndexSuspendusEnImport[] = {"ParType", "ParLibEtDonnee", "ParLieu", "Par_DATE",
                                                     "Par_DateLastModif"};
@@ -251,7 +255,9 @@ void TModuleBDD::Connecte(bool lectureSeule) {
 
 void TModuleBDD::ConnecteSelonAcces(bool lectureSeule) {
   if (!lectureSeule) {
-    Bdd = std::make_unique<SQLite::Database>(CheminOs(CheminAdb).string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
+    // Une connexion ne sert qu'au fil de son dossier : sans verrou interne (OPEN_NOMUTEX),
+    // chaque appel à SQLite coûte un verrou de moins.
+    Bdd = std::make_unique<SQLite::Database>(CheminOs(CheminAdb).string(), SQLite::OPEN_NOMUTEX | SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE,
                                              AttenteVerrouMs);
     // SQLite ouvre en lecture seule, sans le dire, un fichier protégé en écriture :
     // on reprend alors le chemin de la lecture seule.
@@ -291,7 +297,7 @@ void TModuleBDD::ConnecteLectureSeule() {
     nom += "?mode=ro&vfs=unix-none";
     exclusif = true;
   }
-  Bdd = std::make_unique<SQLite::Database>(nom, SQLite::OPEN_READONLY | SQLite::OPEN_URI, AttenteVerrouMs);
+  Bdd = std::make_unique<SQLite::Database>(nom, SQLite::OPEN_NOMUTEX | SQLite::OPEN_READONLY | SQLite::OPEN_URI, AttenteVerrouMs);
   LectureSeuleEffective = true;
   AppliqueReglages(exclusif);
 }
@@ -310,7 +316,7 @@ bool TModuleBDD::ConnecteSansEcrire() {
   std::error_code ec;
   const auto tailleWal = fs::file_size(CheminOs(CheminAdb + Compagnons[0]), ec);
   const bool walGarni = !ec && tailleWal > 0;
-  Bdd = std::make_unique<SQLite::Database>(CheminOs(CheminAdb).string(), SQLite::OPEN_READWRITE, AttenteVerrouMs);
+  Bdd = std::make_unique<SQLite::Database>(CheminOs(CheminAdb).string(), SQLite::OPEN_NOMUTEX | SQLite::OPEN_READWRITE, AttenteVerrouMs);
   if (sqlite3_db_readonly(Bdd->getHandle(), "main") == 1) {
     Bdd.reset();
     return false;
@@ -365,7 +371,7 @@ bool TModuleBDD::ChargeImage(const void* octets, size_t taille) {
 
 bool TModuleBDD::ChargeImageEnMemoire(const void* octets, size_t taille) {
   return Protege([&] {
-    Bdd = std::make_unique<SQLite::Database>(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    Bdd = std::make_unique<SQLite::Database>(":memory:", SQLite::OPEN_NOMUTEX | SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
     EnMemoire = true;
     LectureSeuleEffective = Acces == TAccesDossier::LectureSeule;
     if (taille > 0) {
