@@ -8,6 +8,8 @@
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/index/index_personnes.h"
 #include "rqbase/index/recherche_index.h"
+#include "rqbase/places/gestduplicat.h"
+#include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/storage/gest_fic_pers.h"
 
@@ -290,6 +292,39 @@ TEST(CompareNomPrenoms, ElementsDeLaFicheContreLeCritere) {
   EXPECT_TRUE(TGestEltIndex::ComparePrenoms("Jean Éloïse", "ELOISE", false));
   EXPECT_TRUE(TGestEltIndex::IsPrenomsCorrespond("Jean Paul", "paul"));
   EXPECT_FALSE(TGestEltIndex::IsPrenomsCorrespond("Jean Paul", "Pierre"));
+}
+
+// Les listes de valeurs tirées des faits : noms d'un lieu, lieux servis, professions ; les
+// faits d'une personne supprimée n'y comptent plus.
+TEST_F(RechercheTest, ListesDeValeursDesFaits) {
+  const long martin = Ajoute("Martin", "Jean"), durand = Ajoute("Durand", "Anne", 'F'), roy = Ajoute("Roy", "Paul");
+  TEltDupChn lyonElt(0, "Lyon", "69", "", "France"), vienneElt(0, "Vienne", "38", "", "France");
+  const long lyon = Gest->FicLie()->Cherche(&lyonElt, true);
+  Gest->FicLie()->Cherche(&vienneElt, true);  // un lieu qu'aucun fait ne désigne
+  auto fait = [&](long no, const char* libelle, long lieu, const char* donnee) {
+    TPerson p(Fic, no, true);
+    TEvenement e(Gest->ModuleBDD());
+    e.Enreg.SetLibelle(libelle);
+    e.Enreg.Lieu = lieu;
+    e.Enreg.SetDonnee(donnee);
+    e.Enreg.NoPersA = no;
+    ASSERT_TRUE(p.AjoutEven(&e, true, false, true));
+  };
+  fait(martin, "NAISSANCE", lyon, "");
+  fait(durand, "DECES", lyon, "");
+  fait(martin, "PROFESSION", 0, "tisserand");
+  fait(roy, "PROFESSION", 0, "meunier");
+  fait(roy, "NAISSANCE", lyon, "");
+  TPerson(Fic, roy).Suppression(false);
+  std::vector<std::string> l;
+  Index->Table().RetournePatronymeLieu(lyon, l);
+  EXPECT_EQ(l, (std::vector<std::string>{"DURAND", "MARTIN"}));
+  Index->Table().RetourneLieux(l);
+  EXPECT_EQ(l, std::vector<std::string>{"Lyon"});
+  Index->Table().RetourneProfession(l);
+  EXPECT_EQ(l, std::vector<std::string>{"tisserand"});
+  Index->Table().RetournePatronymeLieu(0, l);
+  EXPECT_TRUE(l.empty());
 }
 
 }  // namespace

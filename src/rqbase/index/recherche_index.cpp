@@ -5,6 +5,7 @@
 // vide, un masque qui commence par '*' ou le soundex parcourent toute la table.
 #include "rqbase/index/recherche_index.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <algorithm>
 #include <climits>
 #include <cstring>
@@ -14,7 +15,11 @@
 #include "rqbase/index/particules.h"
 #include "rqbase/index/soundex.h"
 #include "rqbase/person/gest_pers.h"
+#include "rqbase/person/voisins_personne.h"
+#include "rqbase/places/gestduplicat.h"
 #include "rqbase/platform/progression.h"
+#include "rqbase/storage/contexte_dossier.h"
+#include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/util/chaines.h"
 #include "rqbase/util/majuscules.h"
 
@@ -525,6 +530,70 @@ void TGestEltIndex::RetourneToutPrenom(std::vector<std::string>& liste) const {
     if (elt.Enreg.Prenom[0] != 0 && elt.Enreg.FicheSupprimee != 'O') vus.insert(elt.Enreg.Prenom);
   }
   liste.assign(vus.begin(), vus.end());
+}
+
+namespace {
+TModuleBDD* BaseDe(TFicPersons* fic) {
+  TContexteDossier* gest = fic ? fic->Gest() : nullptr;
+  TModuleBDD* bdd = gest ? gest->ModuleBDD() : nullptr;
+  return bdd && bdd->EstOuverte() ? bdd : nullptr;
+}
+}  // namespace
+
+void TGestEltIndex::RetournePatronymeLieu(long lieu, std::vector<std::string>& liste) const {
+  liste.clear();
+  TModuleBDD* bdd = BaseDe(Personnes);
+  if (!bdd || lieu <= 0) return;
+  std::set<long> personnes;
+  bdd->ListePersonneLieux(lieu, personnes);
+  std::set<std::string> noms;
+  TEltIndex elt;
+  for (long r = 0; r < GetNbElt() && !personnes.empty(); ++r) {
+    Lit(r, elt);
+    if (elt.Enreg.Nom[0] != 0 && elt.Enreg.FicheSupprimee != 'O' && personnes.count(elt.Enreg.NoPers))
+      noms.insert(elt.Enreg.Nom);
+  }
+  liste.assign(noms.begin(), noms.end());
+}
+
+void TGestEltIndex::RetourneLieux(std::vector<std::string>& liste) const {
+  liste.clear();
+  TModuleBDD* bdd = BaseDe(Personnes);
+  TVoisinsPersonne* voisins = VoisinsDe(Personnes ? Personnes->Gest() : nullptr);
+  TFicDupli* lieux = voisins ? voisins->FicLie() : nullptr;
+  if (!bdd || !lieux) return;
+  std::set<long> numeros;
+  bdd->Protege([&] {
+    SQLite::Statement& q = bdd->Requete(
+        "SELECT DISTINCT \"Lieu\" FROM \"Evenements\" WHERE \"Lieu\" > 0 AND (\"NoPersA\" > 0 OR \"NoPersB\" > 0)");
+    while (q.executeStep()) numeros.insert(static_cast<long>(q.getColumn(0).getInt64()));
+    q.tryReset();
+  });
+  std::set<std::string> communes;
+  for (const long n : numeros) {
+    if (n > lieux->NbFiches()) continue;
+    const std::string commune = lieux->RetCommune(n);
+    if (!commune.empty()) communes.insert(commune);
+  }
+  liste.assign(communes.begin(), communes.end());
+}
+
+void TGestEltIndex::RetourneProfession(std::vector<std::string>& liste) const {
+  liste.clear();
+  TModuleBDD* bdd = BaseDe(Personnes);
+  if (!bdd) return;
+  std::set<std::string> professions;
+  bdd->Protege([&] {
+    SQLite::Statement& q = bdd->Requete(
+        "SELECT DISTINCT \"Donnee\" FROM \"Evenements\" WHERE \"LibelleChamps\" = 'PROFESSION' AND "
+        "(\"NoPersA\" > 0 OR \"NoPersB\" > 0)");
+    while (q.executeStep()) {
+      const std::string valeur = Trim(TModuleBDD::TexteColonne(q, 0));
+      if (!valeur.empty()) professions.insert(valeur);
+    }
+    q.tryReset();
+  });
+  liste.assign(professions.begin(), professions.end());
 }
 
 void TGestEltIndex::RetourneListPatronyme(std::map<std::string, long>& compte) const {

@@ -126,6 +126,14 @@ class TGestEltIndex : public TTableTV {
   void RetournePrenoms(const std::string& nom, std::vector<std::string>& liste) const;
   // Tous les prénoms de l'index.
   void RetourneToutPrenom(std::vector<std::string>& liste) const;
+  // Les noms (mis en forme d'index) des personnes vivantes qui ont un fait au lieu `lieu`
+  // (numéro du fichier des lieux).
+  void RetournePatronymeLieu(long lieu, std::vector<std::string>& liste) const;
+  // Les communes du fichier des lieux qu'au moins un fait désigne, triées, chacune une fois.
+  void RetourneLieux(std::vector<std::string>& liste) const;
+  // Les professions écrites (événements et champs simples PROFESSION des personnes non
+  // supprimées), triées, chacune une fois.
+  void RetourneProfession(std::vector<std::string>& liste) const;
   // Nom -> nombre de personnes qui le portent ; prénom -> nombre de personnes.
   void RetourneListPatronyme(std::map<std::string, long>& compte) const;
   void RetourneListPrenom(std::map<std::string, long>& compte) const;
