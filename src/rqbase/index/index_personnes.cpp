@@ -699,10 +699,6 @@ bool TFicIndexPerson::ReinitTableIndex(TProgression* progression) {
     bdd.Protege([&] {
       bdd.Base().exec(std::string("DROP TABLE IF EXISTS \"") + kTable + "\"");
       bdd.Base().exec(SqlCreationTable(*schema));
-      for (const TIndexSchema& index : schema->Index) {
-        const std::string sql = SqlCreationIndex(*schema, index);
-        if (!sql.empty()) bdd.Base().exec(sql);
-      }
     });
     for (long no = 1; no <= dernier; ++no) {
       if ((no & 255) == 1) {
@@ -720,6 +716,14 @@ bool TFicIndexPerson::ReinitTableIndex(TProgression* progression) {
         neuve.Enregistrement(0, this, true);
       }
     }
+    // Les index de la table se font après ses lignes, d'un seul tri chacun, dans la même
+    // transaction.
+    bdd.Protege([&] {
+      for (const TIndexSchema& index : schema->Index) {
+        const std::string sql = SqlCreationIndex(*schema, index);
+        if (!sql.empty()) bdd.Base().exec(sql);
+      }
+    });
     prog.Position(dernier);
     bloc.Valide();
   }
