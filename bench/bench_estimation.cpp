@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "personne_essai.h"
 #include "racine_temp.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/person/estimation_personne.h"
@@ -27,15 +28,6 @@ struct TFamille {
   std::unique_ptr<TGestFichier> Gest;
   long Moi = 0;
 };
-
-long Ajoute(TFicPersons* fic, const std::string& nom, char sexe) {
-  TPerson p(fic);
-  p.NouvelleFiche(-3);
-  p.SetNom(nom);
-  p.SetSexe(sexe);
-  p.Enregistrement();
-  return p.No();
-}
 
 void Evenement(TGestFichier& gest, long no, const char* libelle, int annee, long conjoint = 0) {
   TPerson p(gest.FicPersons(), no, true);
@@ -54,26 +46,26 @@ TFamille& Famille() {
     r.Gest = std::make_unique<TGestFichier>(prs, true);
     TGestFichier& g = *r.Gest;
     TFicPersons* fic = g.FicPersons();
-    const long pere = Ajoute(fic, "PERE", 'M'), mere = Ajoute(fic, "MERE", 'F');
+    const long pere = essai::AjoutePersonne(fic, "PERE", 'M'), mere = essai::AjoutePersonne(fic, "MERE", 'F');
     Evenement(g, pere, "NAISSANCE", 1790);
     Evenement(g, mere, "NAISSANCE", 1795);
-    r.Moi = Ajoute(fic, "MOI", 'M');
+    r.Moi = essai::AjoutePersonne(fic, "MOI", 'M');
     LieParent(*fic, pere, r.Moi, true);
     LieParent(*fic, mere, r.Moi, false);
     for (int i = 0; i < 3; ++i) {
-      const long frere = Ajoute(fic, "FRERE" + std::to_string(i), i % 2 ? 'F' : 'M');
+      const long frere = essai::AjoutePersonne(fic, "FRERE" + std::to_string(i), i % 2 ? 'F' : 'M');
       LieParent(*fic, pere, frere, true);
       LieParent(*fic, mere, frere, false);
       Evenement(g, frere, "NAISSANCE", 1818 + 4 * i);
     }
-    const long epouse = Ajoute(fic, "EPOUSE", 'F');
+    const long epouse = essai::AjoutePersonne(fic, "EPOUSE", 'F');
     LieConjoints(*fic, r.Moi, epouse, false);
     Evenement(g, epouse, "NAISSANCE", 1825);
     Evenement(g, r.Moi, "UNION", 1845, epouse);
     Evenement(g, r.Moi, "RESIDENCE", 1850);
     Evenement(g, r.Moi, "RESIDENCE", 1870);
     for (int i = 0; i < 10; ++i) {
-      const long enfant = Ajoute(fic, "ENFANT" + std::to_string(i), i % 2 ? 'F' : 'M');
+      const long enfant = essai::AjoutePersonne(fic, "ENFANT" + std::to_string(i), i % 2 ? 'F' : 'M');
       LieParent(*fic, r.Moi, enfant, true);
       LieParent(*fic, epouse, enfant, false);
       Evenement(g, enfant, "NAISSANCE", 1846 + 2 * i);

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "personne_essai.h"
 #include "racine_temp.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/person/gest_pers.h"
@@ -26,15 +27,6 @@ struct TFamille {
   std::unique_ptr<TGestFichier> Gest;
   long Moi = 0;
 };
-
-long Ajoute(TFicPersons* fic, const std::string& nom, char sexe) {
-  TPerson p(fic);
-  p.NouvelleFiche(-3);
-  p.SetNom(nom);
-  p.SetSexe(sexe);
-  p.Enregistrement();
-  return p.No();
-}
 
 void Evenement(TGestFichier& gest, long no, const char* libelle, const std::string& date, long conjoint) {
   TPerson p(gest.FicPersons(), no, true);
@@ -52,9 +44,9 @@ TFamille& Famille() {
     const std::string prs = mesure::Racine().Chemin + "/Liens.rq2/Liens.prs";
     r.Gest = std::make_unique<TGestFichier>(prs, true);
     TFicPersons* fic = r.Gest->FicPersons();
-    r.Moi = Ajoute(fic, "MOI", 'M');
+    r.Moi = essai::AjoutePersonne(fic, "MOI", 'M');
     std::vector<long> conjointes;
-    for (int i = 0; i < 10; ++i) conjointes.push_back(Ajoute(fic, "CONJOINTE" + std::to_string(i), 'F'));
+    for (int i = 0; i < 10; ++i) conjointes.push_back(essai::AjoutePersonne(fic, "CONJOINTE" + std::to_string(i), 'F'));
     {
       TPerson moi(fic, r.Moi);
       for (long c : conjointes) moi.AjouteConj(c);
@@ -70,7 +62,7 @@ TFamille& Famille() {
     std::vector<long> enfants;
     for (int i = 0; i < 150; ++i) {
       const long mere = conjointes[static_cast<size_t>(i % 10)];
-      const long e = Ajoute(fic, "ENFANT" + std::to_string(i), i % 2 ? 'F' : 'M');
+      const long e = essai::AjoutePersonne(fic, "ENFANT" + std::to_string(i), i % 2 ? 'F' : 'M');
       TPerson enf(fic, e);
       enf.Enreg.Pere = TLienPers(r.Moi);
       enf.Enreg.Mere = TLienPers(mere);

@@ -11,8 +11,6 @@
 #include <cstring>
 #include <filesystem>
 
-#include <SQLiteCpp/SQLiteCpp.h>
-
 #include "rqbase/fields/chp_cs.h"
 #include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/index/index_personnes.h"
@@ -199,15 +197,7 @@ void TGestFichier::ModifClef(TPerson& personne, bool enregistrer) {
 }
 
 bool TGestFichier::IsIDPersExists(const std::string& id) {
-  if (!BDD || !BDD->EstOuverte()) return false;
-  return BDD->Protege([&] {
-    SQLite::Statement& q =
-        BDD->Requete("SELECT 1 FROM \"Evenements\" WHERE \"LibelleChamps\" = 'ID_PERS' AND \"Donnee\" = ? LIMIT 1");
-    TModuleBDD::LieTexte(q, 1, id);
-    const bool existe = q.executeStep();
-    q.tryReset();
-    return existe;
-  });
+  return BDD && BDD->EstOuverte() && BDD->DonneeExiste("ID_PERS", id);
 }
 
 void TGestFichier::AjouteObjets(bool sansTest) {

@@ -353,6 +353,8 @@ class TModuleBDD {
   bool EvenExistsForPerson(long no, const std::string& libelle);
   long FindEvenOfPerson(long no, const std::string& libelle);
   bool ChpsSimpleExistsForPerson(long no, const std::string& libelle);
+  // Une ligne de ce libellé porte-t-elle exactement cette donnée (quelle que soit la personne) ?
+  bool DonneeExiste(const std::string& libelle, const std::string& donnee);
   long FindChpsSimpleOfPerson(long no, const std::string& libelle);
 
   // Parcours des sources et des illustrations (second curseur, comme les événements) ;

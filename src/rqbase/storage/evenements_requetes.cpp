@@ -353,4 +353,16 @@ void TModuleBDD::EndParcoursIllustrations() {
   ParcoursIllustrations.reset();
 }
 
+bool TModuleBDD::DonneeExiste(const std::string& libelle, const std::string& donnee) {
+  return Protege([&] {
+    SQLite::Statement& q =
+        Requete("SELECT 1 FROM \"Evenements\" WHERE \"LibelleChamps\" = ? AND \"Donnee\" = ? LIMIT 1");
+    LieTexte(q, 1, libelle);
+    LieTexte(q, 2, donnee);
+    const bool existe = q.executeStep();
+    q.tryReset();
+    return existe;
+  });
+}
+
 }  // namespace rqbase
