@@ -35,6 +35,45 @@ TEST(StrCmpMasque, MorceauxDansLOrdre) {
   EXPECT_EQ(StrCmpMasque(nullptr, "*"), 0);
 }
 
+// La table seule, sans fichier de personnes : des numéros démesurés (ligne abîmée, numéro au-delà
+// du tableau direct des personnes trouvées) répondent comme les autres, une personne trouvée
+// par deux couples garde sa première ligne, et une recherche n'hérite rien de la précédente.
+TEST(RechercheTableSeule, NumerosDemesuresEtRecherchesSuccessives) {
+  TGestEltIndex table;
+  auto ligne = [&](const char* nom, const char* prenom, int32_t no) {
+    TEnregIndex e;
+    e.SetNom(nom);
+    e.SetPrenom(prenom);
+    e.NoPers = no;
+    table.Ajoute(TEltIndex(e, 0));
+  };
+  const int32_t grand = 2000000000;
+  ligne("BERNARD", "PAUL", 7);
+  ligne("DUPONT", "JEAN", grand);
+  ligne("DUPONT", "PAUL", 7);
+  ligne("MARTIN", "JEAN", 3);
+  TEltIndex a, b;
+  table.Classement(a, b);
+
+  auto cherche = [&](const std::string& nom, const std::string& prenoms, long limite = 0) {
+    TGestEltIndex::TRechSimple rs;
+    rs.Nom = nom;
+    rs.Prenoms = prenoms;
+    rs.Limite = limite;
+    std::vector<long> r;
+    table.RechercheSimple(rs, nullptr, &r);
+    return r;
+  };
+  EXPECT_EQ(cherche("DUPONT", ""), (std::vector<long>{grand, 7}));
+  EXPECT_EQ(cherche("DUPONT", ""), (std::vector<long>{grand, 7}));  // rien de la fois d'avant
+  // Deux couples : la personne 7 vient par sa ligne BERNARD, la première de la table.
+  EXPECT_EQ(cherche("DUPONT;BERNARD", ""), (std::vector<long>{7, grand}));
+  EXPECT_EQ(cherche("", "JEAN PAUL"), (std::vector<long>{7, grand, 3}));
+  EXPECT_EQ(cherche("", "JEAN PAUL", 2), (std::vector<long>{7, grand}));
+  EXPECT_EQ(cherche("*", "", 1), std::vector<long>{7});
+  EXPECT_TRUE(cherche("DURAND", "").empty());
+}
+
 // Des personnes enregistrées dans un dossier, indexées, puis cherchées.
 class RechercheTest : public testing::Test {
  protected:

@@ -207,25 +207,24 @@ long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::stri
     progression->Maximum(long(lesNoms.size() * lesPrenoms.size()));
     progression->Position(0);
   }
-  std::map<long, long> trouves;  // personne -> rang de sa première ligne
+  Trouvees.Commence();
   // Un seul couple de critères parcourt la table dans l'ordre : la limite atteinte, la suite
   // ne peut venir qu'après, et le parcours s'arrête là.
   ArretA = lesNoms.size() * lesPrenoms.size() == 1 ? rs.Limite : 0;
   for (const std::string& nom : lesNoms) {
     for (const std::string& prenom : lesPrenoms) {
       if (GetAbandon() || (progression && progression->Abandon())) break;
-      RechercheSimpleNomEtConj(rs, trouves, nom, prenom);
+      RechercheSimpleNomEtConj(rs, Trouvees, nom, prenom);
       if (progression) progression->Avance();
     }
   }
   ArretA = 0;
 
-  std::vector<std::pair<long, long>> ordre;  // (rang, personne)
-  ordre.reserve(trouves.size());
-  for (const auto& [no, rang] : trouves) ordre.emplace_back(rang, no);
-  std::sort(ordre.begin(), ordre.end());
-  if (rs.Limite > 0 && long(ordre.size()) > rs.Limite) ordre.resize(size_t(rs.Limite));
-  for (const auto& [rang, no] : ordre) {
+  std::vector<std::pair<long, long>>& ordre = Trouvees.Classees();  // (rang, personne)
+  const size_t garde = rs.Limite > 0 ? std::min(ordre.size(), size_t(rs.Limite)) : ordre.size();
+  if (numeros) numeros->reserve(numeros->size() + garde);
+  for (size_t k = 0; k < garde; ++k) {
+    const auto& [rang, no] = ordre[k];
     if (numeros) numeros->push_back(no);
     if (noms) {
       TEnregPersonne e{};
@@ -240,10 +239,10 @@ long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::stri
       }
     }
   }
-  return long(ordre.size());
+  return long(garde);
 }
 
-void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, std::map<long, long>& trouves,
+void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, TTrouvees& trouves,
                                              const std::string& nom, const std::string& prenom) {
   const TCritere cNom(nom, kSansNom);
   const TCritere cPrenom(prenom, kSansPrenom);
@@ -286,7 +285,6 @@ void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, std::map<lon
     fin = long(candidats.size());
   }
 
-  std::unordered_map<long, bool> jugees;  // personnes déjà jugées sur leurs critères propres
   TEltIndex elt;
   for (long i = debut; i < fin; ++i) {
     if ((i & 1023) == 0 && GetAbandon()) return;
@@ -301,18 +299,81 @@ void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, std::map<lon
     if (!cPrenom.Repond(e.Prenom, e.PrenomSoundex, rs.SoundexPrenom)) continue;
     if (!CritereLigne(rs, e)) continue;
     const long no = e.NoPers;
-    auto deja = trouves.find(no);
-    if (deja != trouves.end()) {
-      deja->second = std::min(deja->second, rang);
+    switch (trouves.Etat(no)) {
+      case TTrouvees::TEtat::Trouvee:
+        trouves.Trouve(no, rang);
+        continue;
+      case TTrouvees::TEtat::Ecartee:
+        continue;
+      case TTrouvees::TEtat::Inconnue:
+        break;
+    }
+    // Les critères propres à la personne ne dépendent pas du couple cherché : jugée une fois
+    // par recherche.
+    if (!CriterePersonne(rs, no)) {
+      trouves.Ecarte(no);
       continue;
     }
-    auto [place, neuve] = jugees.try_emplace(no, false);
-    if (neuve) place->second = CriterePersonne(rs, no);
-    if (place->second) {
-      trouves.emplace(no, rang);
-      if (ArretA > 0 && long(trouves.size()) >= ArretA) return;
-    }
+    trouves.Trouve(no, rang);
+    if (ArretA > 0 && long(trouves.Nombre()) >= ArretA) return;
   }
+}
+
+// --- Personnes trouvées ---
+
+void TGestEltIndex::TTrouvees::Commence() {
+  Liste.clear();
+  Lointaines.clear();
+  if (++Date == 0) {  // après quatre milliards de recherches, les dates repartent de zéro
+    std::fill(Places.begin(), Places.end(), std::pair<uint32_t, uint32_t>{0, 0});
+    Date = 1;
+  }
+}
+
+std::pair<uint32_t, uint32_t>* TGestEltIndex::TTrouvees::Place(long no, bool creer) {
+  // Le tableau direct suit les numéros jusqu'à 16 millions de personnes ; un numéro plus
+  // grand (ligne abîmée, table sans fichier de personnes) passe par une table de hachage.
+  constexpr long kDirect = 1L << 24;
+  if (no >= 0 && no < kDirect) {
+    const auto n = size_t(no);
+    if (n >= Places.size()) {
+      if (!creer) return nullptr;
+      Places.resize(std::max(n + 1, Places.size() * 2), {0, 0});
+    }
+    return &Places[n];
+  }
+  if (!creer) {
+    auto it = Lointaines.find(no);
+    return it == Lointaines.end() ? nullptr : &it->second;
+  }
+  return &Lointaines[no];
+}
+
+TGestEltIndex::TTrouvees::TEtat TGestEltIndex::TTrouvees::Etat(long no) {
+  const auto* place = Place(no, false);
+  if (!place || place->first != Date) return TEtat::Inconnue;
+  return place->second == kEcartee ? TEtat::Ecartee : TEtat::Trouvee;
+}
+
+void TGestEltIndex::TTrouvees::Ecarte(long no) {
+  *Place(no, true) = {Date, kEcartee};
+}
+
+void TGestEltIndex::TTrouvees::Trouve(long no, long rang) {
+  auto* place = Place(no, true);
+  if (place->first == Date && place->second != kEcartee) {
+    auto& deja = Liste[place->second].first;
+    deja = std::min(deja, rang);
+    return;
+  }
+  *place = {Date, uint32_t(Liste.size())};
+  Liste.emplace_back(rang, no);
+}
+
+std::vector<std::pair<long, long>>& TGestEltIndex::TTrouvees::Classees() {
+  // Un seul couple de critères donne ses personnes dans l'ordre des rangs : rien à trier.
+  if (!std::is_sorted(Liste.begin(), Liste.end())) std::sort(Liste.begin(), Liste.end());
+  return Liste;
 }
 
 bool TGestEltIndex::CritereLigne(const TRechSimple& rs, const TEnregIndex& e) const {

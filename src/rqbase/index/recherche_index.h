@@ -19,6 +19,8 @@
 #include <map>
 #include <set>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "rqbase/index/ligne_index.h"
@@ -96,9 +98,36 @@ class TGestEltIndex : public TTableTV {
   // Rend le nombre de personnes trouvées par cet appel.
   long RechercheSimple(const TRechSimple& rs, std::vector<std::string>* noms, std::vector<long>* numeros,
                        TProgression* progression = nullptr);
+  // Les personnes trouvées par une recherche, chacune une fois, avec le rang de sa première
+  // ligne trouvée (le plus petit gardé). Chaque numéro de personne a sa place dans un tableau
+  // tenu d'une recherche à l'autre et daté par la recherche : ni arbre ni hachage à chaque ligne
+  // lue, ce qui compte quand un masque court trouve des dizaines de milliers de personnes.
+  class TTrouvees {
+   public:
+    // Oublie tout ce qui précède (une nouvelle date, pas d'effacement du tableau).
+    void Commence();
+    // Ce que l'on sait de `no` dans cette recherche.
+    enum class TEtat { Inconnue, Ecartee, Trouvee };
+    TEtat Etat(long no);
+    void Ecarte(long no);
+    // `no` trouvée par la ligne `rang` (ou retrouvée : le plus petit rang reste).
+    void Trouve(long no, long rang);
+    size_t Nombre() const { return Liste.size(); }
+    // (rang, personne), dans l'ordre des rangs.
+    std::vector<std::pair<long, long>>& Classees();
+
+   private:
+    static constexpr uint32_t kEcartee = UINT32_MAX;
+    // Place de `no` : (date, position dans Liste ou kEcartee) ; nul au-delà du tableau direct.
+    std::pair<uint32_t, uint32_t>* Place(long no, bool creer);
+    std::vector<std::pair<uint32_t, uint32_t>> Places;
+    std::unordered_map<long, std::pair<uint32_t, uint32_t>> Lointaines;  // numéros démesurés
+    std::vector<std::pair<long, long>> Liste;
+    uint32_t Date = 0;
+  };
   // Un couple (nom, prénom) déjà mis en forme d'index ; les personnes trouvées vont dans
-  // `trouves` avec le rang de leur première ligne (le plus petit gardé).
-  void RechercheSimpleNomEtConj(const TRechSimple& rs, std::map<long, long>& trouves, const std::string& nom,
+  // `trouves`.
+  void RechercheSimpleNomEtConj(const TRechSimple& rs, TTrouvees& trouves, const std::string& nom,
                                 const std::string& prenom);
   // Arrête une recherche en cours (appelable d'un autre fil) ; elle rend ce qu'elle a trouvé.
   void SetAbandon(bool abandon) { Abandon.store(abandon, std::memory_order_relaxed); }
@@ -169,6 +198,7 @@ class TGestEltIndex : public TTableTV {
   // qu'aucune fiche n'a été écrite depuis (ValiditeEcritures).
   std::vector<uint8_t> Validite;
   uint64_t ValiditeEcritures = 0;
+  TTrouvees Trouvees;
   std::vector<uint64_t> ParSoundex;  // (code du soundex << 32) | rang, trié
   long SoundexNb = -1, SoundexUtilise = -1;
   long ArretA = 0;  // nombre de personnes après lequel le parcours en cours s'arrête
