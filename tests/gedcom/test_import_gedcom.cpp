@@ -1,5 +1,6 @@
 // Import et export GEDCOM dans un vrai dossier : la famille d'exemple, l'aller-retour, les
 // fichiers abîmés, les limites des tables de liens, les fichiers d'autres programmes.
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -11,6 +12,7 @@
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/gedcom/export_gedcom.h"
 #include "rqbase/gedcom/import_gedcom.h"
+#include "rqbase/index/index_personnes.h"
 #include "rqbase/notes/note.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/places/gestduplicat.h"
@@ -99,6 +101,17 @@ class ImportGedcomTest : public testing::Test {
     }
   }
 
+  // Les lignes de l'index des noms, « personne nom prénom min-max » dans l'ordre des personnes.
+  static std::string LignesIndex(TGestFichier& g) {
+    std::string s;
+    SQLite::Statement q(g.ModuleBDD()->Base(),
+                        "SELECT NoPers, Nom, Prenom, AnneeMin, AnneeMax FROM IndexNomPrenoms ORDER BY NoPers, ID");
+    while (q.executeStep())
+      s += q.getColumn(0).getString() + " " + q.getColumn(1).getString() + " " + q.getColumn(2).getString() + " " +
+           q.getColumn(3).getString() + "-" + q.getColumn(4).getString() + "\n";
+    return s;
+  }
+
   essai::TDossierTemp Temp;
   TDialogueFixe Dialogue_{ReponseNon};
 };
@@ -152,6 +165,54 @@ TEST_F(ImportGedcomTest, AllerRetourDonneLeMemeDossier) {
   // Et l'export du second est celui du premier, à l'octet.
   TRapportExport re2;
   EXPECT_EQ(ExporteGedcom(*b, TVivantsExport::Tous, re2), ged);
+}
+
+// L'import donne à l'index les années des personnes dont naissance et décès sont notés
+// exactement (sans les relire) ; les autres passent par l'estimation. Les lignes doivent être
+// celles d'une reconstruction qui estime tout le monde.
+TEST_F(ImportGedcomTest, AnneesDeLIndexCommeUneReconstructionEntiere) {
+  const std::string ged =
+      "0 HEAD\n1 CHAR UTF-8\n"
+      "0 @I1@ INDI\n1 NAME Pierre /Martin/\n1 SEX M\n1 BIRT\n2 DATE 12 MAR 1820\n1 DEAT\n2 DATE 3 JAN 1890\n"
+      "1 FAMS @F1@\n"
+      // Baptême et inhumation tiennent lieu de naissance et de décès.
+      "0 @I2@ INDI\n1 NAME Marie /Durand/\n1 SEX F\n1 CHR\n2 DATE 5 MAY 1822\n1 BURI\n2 DATE 7 JUL 1880\n"
+      "1 FAMS @F1@\n"
+      // Naissance seule, puis rien : l'estimation passe par les parents.
+      "0 @I3@ INDI\n1 NAME Jean /Martin/\n1 BIRT\n2 DATE 1 FEB 1845\n1 FAMC @F1@\n"
+      "0 @I4@ INDI\n1 NAME Louis Paul /Martin/\n1 FAMC @F1@\n"
+      // Décès avant la naissance : les deux années telles quelles.
+      "0 @I5@ INDI\n1 NAME Paul /Inverse/\n1 BIRT\n2 DATE 1 JAN 1900\n1 DEAT\n2 DATE 1 JAN 1850\n"
+      // Naissance approchée : pas exacte.
+      "0 @I6@ INDI\n1 NAME Anne /Vers/\n1 BIRT\n2 DATE ABT 1830\n1 DEAT\n2 DATE 2 FEB 1890\n"
+      // Naissance sans date : le baptême daté la remplace.
+      "0 @I7@ INDI\n1 NAME Rose /Sansdate/\n1 BIRT\n1 CHR\n2 DATE 3 MAR 1801\n1 DEAT\n2 DATE 4 APR 1870\n"
+      // Deux naissances dans le désordre : la première après le classement des faits.
+      "0 @I8@ INDI\n1 NAME Henri /Double/\n1 BIRT\n2 DATE 1 JAN 1811\n1 BIRT\n2 DATE 1 JAN 1810\n"
+      "1 DEAT\n2 DATE 1 JAN 1880\n"
+      "0 @F1@ FAM\n1 HUSB @I1@\n1 WIFE @I2@\n1 MARR\n2 DATE 10 JUN 1843\n1 CHIL @I3@\n1 CHIL @I4@\n"
+      "0 TRLR\n";
+  auto g = Cree();
+  Importe(*g, ged);
+  const std::string importees = LignesIndex(*g);
+  EXPECT_THAT(importees, HasSubstr("1 MARTIN PIERRE 1820-1890\n"));
+  EXPECT_THAT(importees, HasSubstr("2 DURAND MARIE 1822-1880\n"));
+  EXPECT_THAT(importees, HasSubstr("3 MARTIN JEAN 1845-1945\n"));
+  EXPECT_THAT(importees, HasSubstr("4 MARTIN LOUIS "));
+  EXPECT_THAT(importees, HasSubstr("4 MARTIN PAUL "));
+  EXPECT_THAT(importees, HasSubstr("5 INVERSE PAUL 1900-1850\n"));
+  EXPECT_THAT(importees, HasSubstr("7 SANSDATE ROSE 1801-1870\n"));
+  EXPECT_THAT(importees, HasSubstr("8 DOUBLE HENRI 1810-1880\n"));
+  // La personne sans date a des années estimées, pas inconnues.
+  EXPECT_THAT(importees, testing::Not(HasSubstr("4 MARTIN LOUIS 0-0")));
+  ASSERT_TRUE(g->FicIndexPerson()->ReinitTableIndex());
+  EXPECT_EQ(LignesIndex(*g), importees);
+  // Sans estimateur posé, les années restent inconnues, même pour l'import.
+  auto h = Cree("SansEstimation");
+  h->FicIndexPerson()->Fourchette = nullptr;
+  Importe(*h, ged);
+  EXPECT_THAT(LignesIndex(*h), HasSubstr("1 MARTIN PIERRE 0-0\n"));
+  EXPECT_THAT(LignesIndex(*h), testing::Not(HasSubstr("1820")));
 }
 
 TEST_F(ImportGedcomTest, FichierAbimeDonneUnRapportEtDesLiensSymetriques) {

@@ -15,6 +15,7 @@
 #include "rqbase/gedcom/lieux_gedcom.h"
 #include "rqbase/index/index_personnes.h"
 #include "rqbase/index/prenom_usuel.h"
+#include "rqbase/person/estimation_personne.h"
 #include "rqbase/person/liste_evenements.h"
 #include "rqbase/person/voisins_personne.h"
 #include "rqbase/notes/note.h"
@@ -57,6 +58,10 @@ struct TPers {
   std::vector<int32_t> Conjoints;
   std::vector<int32_t> Enfants;
   std::vector<int32_t> Familles;  // familles où elle est conjoint, pour les faits du couple
+  // Les années de l'index des noms, quand la personne écrite avait naissance et décès notés
+  // exactement : la reconstruction de l'index n'a alors ni à relire ses faits ni à l'estimer.
+  bool AnneesConnues = false;
+  int16_t AnneeMin = 0, AnneeMax = 0;
 };
 
 struct TFam {
@@ -765,6 +770,15 @@ void TImport::EcritPersonne(int32_t k) {
   EnregistrerChpsOfPerson(*Bdd, p, p.ListesChps(), true);
   p.Enregistrement(-3, nullptr, true, true);
   ++R.Personnes;
+  // Les faits sont encore en mémoire : les deux années notées se lisent ici sans rien relire.
+  TEstimationPersonne estimation;
+  if (estimation.EstimeAnneesNotees(p.No(), &p)) {
+    short amin = 0, amax = 0;
+    TIndexPerson::SetAnneeMinAnneeMax(&p, estimation.AnneeNaissance, estimation.AnneeDeces, amin, amax);
+    d.AnneesConnues = true;
+    d.AnneeMin = amin;
+    d.AnneeMax = amax;
+  }
 }
 
 void TImport::Lance() {
@@ -860,7 +874,14 @@ void TImport::Lance() {
   // refusée sans bruit, ce qui ne doit pas passer pour un import réussi.
   if (Fic->NbPersEffective() < NoPers(int32_t(Pers.size()) - 1))
     throw ERqBase("Import GEDCOM : des personnes n'ont pas pu être écrites dans le fichier des personnes.");
-  if (index && index->ReinitTableIndex(nullptr)) {
+  const auto connues = [&](long no, short& anneeMin, short& anneeMax) {
+    const long k = no - Base - 1;
+    if (k < 0 || k >= long(Pers.size()) || !Pers[size_t(k)].AnneesConnues) return false;
+    anneeMin = Pers[size_t(k)].AnneeMin;
+    anneeMax = Pers[size_t(k)].AnneeMax;
+    return true;
+  };
+  if (index && index->ReinitTableIndex(nullptr, connues)) {
     index->ReinitTableIndexBis(nullptr);
     Bdd->MAJInfoChps("INDEXNAME", "UPDATED");
     index->SauvegardeFichier();

@@ -678,7 +678,7 @@ void TFicIndexPerson::SupprimeClef(TPerson* p, bool table) {
 
 // --- Reconstructions ---
 
-bool TFicIndexPerson::ReinitTableIndex(TProgression* progression) {
+bool TFicIndexPerson::ReinitTableIndex(TProgression* progression, const TAnneesConnues& connues) {
   if (!PeutEcrire()) return false;
   TFicPersons* fic = Contexte->FicPersons();
   if (!fic) return false;
@@ -707,10 +707,15 @@ bool TFicIndexPerson::ReinitTableIndex(TProgression* progression) {
       }
       TPerson p(fic, no);
       if (p.FicheSupprimee()) continue;
-      TIndexPerson modele(this);
-      modele.Set(&p);
+      short anneeMin = 0, anneeMax = 0;
+      if (!Fourchette || !connues || !connues(no, anneeMin, anneeMax)) {
+        TIndexPerson modele(this);
+        modele.Set(&p);
+        anneeMin = modele.Enreg.AnneeMin;
+        anneeMax = modele.Enreg.AnneeMax;
+      }
       // La table est neuve : chaque ligne est une ligne neuve, sans rien à reprendre.
-      for (const TEnregIndex& ligne : LignesDePersonne(p, modele.Enreg.AnneeMin, modele.Enreg.AnneeMax)) {
+      for (const TEnregIndex& ligne : LignesDePersonne(p, anneeMin, anneeMax)) {
         TIndexPerson neuve(this);
         neuve.Enreg = ligne;
         neuve.Enregistrement(0, this, true);

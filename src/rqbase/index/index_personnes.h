@@ -98,9 +98,15 @@ class TFicIndexPerson {
   void SupprimeClef(TPerson* p, bool table);
   static std::string TransformeEnCaractereIndex(const std::string& texte);
 
+  // Les années d'index d'une personne (numéro) quand l'appelant les sait déjà ; false : à
+  // demander à Fourchette. Elles doivent être celles que Fourchette donnerait.
+  using TAnneesConnues = std::function<bool(long no, short& anneeMin, short& anneeMax)>;
+
   // Refait la table de la base depuis les personnes, puis la mémoire. false si abandonné
-  // (la table est alors partielle : "INDEXNAME" ne doit pas être marqué à jour).
-  bool ReinitTableIndex(TProgression* progression = nullptr);
+  // (la table est alors partielle : "INDEXNAME" ne doit pas être marqué à jour). `connues`
+  // épargne l'estimation des personnes dont un import a déjà les années ; sans Fourchette
+  // posée, les années restent inconnues, comme sans `connues`.
+  bool ReinitTableIndex(TProgression* progression = nullptr, const TAnneesConnues& connues = nullptr);
   // Refait la mémoire depuis la table de la base (et efface le fichier).
   void ReinitTableIndexBis(TProgression* progression = nullptr);
   // Vide la mémoire (elle sera relue au prochain usage).

@@ -195,6 +195,20 @@ void TEstimationPersonne::EstimePersonne(long no, TPerson* p, bool simple, bool 
   if (Cache) Cache->Stocke(*this, !simple);
 }
 
+bool TEstimationPersonne::EstimeAnneesNotees(long no, TPerson* p) {
+  Raz();
+  Numero = no;
+  Simple = true;
+  if (!Config || no == 0 || !p) return false;
+  Sexe = p->Enreg.Sexe;
+  EstimeFourchetteNaissanceDeces(*p);
+  if (AnneeNaissance == kIncalculableF || AnneeDeces == kIncalculableF) return false;
+  // Ce que l'estimation entière rendrait : chaque année exacte ramène son intervalle à elle.
+  IntervalNaissance = IntervalFerme(AnneeNaissance, AnneeNaissance);
+  IntervalDeces = IntervalFerme(AnneeDeces, AnneeDeces);
+  return true;
+}
+
 void TEstimationPersonne::RecupAnneeNaissanceDeces(TPerson* p, float& naissance, float& deces) {
   if (p) EstimePersonne(p->No(), p);
   Annees(naissance, deces);
@@ -594,7 +608,8 @@ bool FourchetteDeVie(TPerson& p, float& min, float& max) {
   min = max = kIncalculableF;
   if (!ConsConfigSais()) return false;
   TEstimationPersonne e;
-  e.EstimePersonne(p.No(), &p);
+  // Deux années notées exactement suffisent : les proches et les citations ne sont pas lus.
+  if (!e.EstimeAnneesNotees(p.No(), &p)) e.EstimePersonne(p.No(), &p);
   if (!e.IntervalNaissance.InfOuvert) min = e.IntervalNaissance.Inf;
   if (!e.IntervalDeces.SupOuvert) max = e.IntervalDeces.Sup;
   return min != kIncalculableF || max != kIncalculableF;

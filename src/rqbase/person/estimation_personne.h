@@ -40,6 +40,11 @@ class TEstimationPersonne {
   void EstimePersonne(long no, TPerson* p, bool simple = false, bool utilisateur = false);
   // Lit d'abord la personne (par le cache des personnes).
   void EstimePersonne(long no, TFicPersons* fic, bool simple = false, bool utilisateur = false);
+  // Le seul premier pas : naissance et décès notés (ou leurs équivalents datés). true si les
+  // deux années sont exactes : l'estimation entière n'y changerait rien (les autres passes ne
+  // resserrent que des bornes encore inconnues), et rien d'autre n'est lu, ni la base ni les
+  // proches. false sans réglages, sans personne, ou quand l'une des deux manque.
+  bool EstimeAnneesNotees(long no, TPerson* p);
 
   // Les années de `p` par l'estimation (faite ici, sauf si `p` est nul : celle déjà faite) :
   // l'année exacte s'il y en a une, sinon le milieu de l'intervalle, un bout ouvert valant
