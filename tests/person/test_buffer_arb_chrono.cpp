@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <vector>
 
 #include "dossier_essai.h"
@@ -228,6 +229,56 @@ TEST_F(CacheTest, FormeBruteEtFormeEntiereSeLisentCommeLeDisque) {
   EXPECT_STREQ(lu.Enreg.Nom, "");
   EXPECT_EQ(lu.Evens(), nullptr);
   EXPECT_TRUE(TPerson(Fic, 4).FicheSupprimee());
+}
+
+// Un parcours par le cache lit le fichier par blocs : chaque fiche y est celle du disque, une
+// fiche écrite pendant le parcours se lit neuve, et un fichier coupé au milieu d'une fiche se
+// lit par blocs exactement comme fiche par fiche (le bloc ne passe pas le compte des fiches).
+TEST_F(CacheTest, ParcoursParBlocsCommeFicheParFiche) {
+  for (int i = 0; i < 145; ++i) {
+    TPerson p(Fic);
+    p.NouvelleFiche(-3);
+    p.SetNom("NOM" + std::to_string(p.No()));
+    p.Enregistrement();
+  }
+  const long n = Fic->NbPersEffective();
+  ASSERT_GE(n, 150);
+  TBufferisationArbChrono cache(Fic, 8);
+  TPerson lu(Fic);
+  for (long no = 1; no <= n; ++no) {
+    if (no == 70) {  // le bloc qui couvre 66 à 129 est déjà lu
+      TPerson change(Fic, 80);
+      change.SetNom("CHANGE");
+      change.MajBuffer = false;
+      change.Enregistrement();
+    }
+    cache.LitPersonne(no, false, lu);
+    ASSERT_STREQ(lu.Enreg.Nom, TPerson(Fic, no).Enreg.Nom) << no;
+    if (no >= 7) ASSERT_STREQ(lu.Enreg.Nom, no == 80 ? "CHANGE" : ("NOM" + std::to_string(no)).c_str()) << no;
+  }
+  Fic->Flush();
+  Gest.reset();
+
+  // Le fichier coupé au milieu de la fiche 120 : l'en-tête annonce toujours toutes les fiches.
+  const auto prs = std::filesystem::path(Temp.Prs());
+  std::filesystem::resize_file(prs, std::filesystem::file_size(prs) - (n - 120) * 644 - 300);
+  auto parcours = [&](bool viaCache) {
+    TGestFichier gest(Temp.Prs(), false, false, false, false, 1);
+    TFicPersons* fic = gest.FicPersons();
+    std::vector<std::string> vu;
+    TPerson p(fic, -3);
+    for (long no = 1; no <= fic->NbPersEffective() + 2; ++no) {
+      p.Lecture(no, false, 0, viaCache);
+      vu.push_back(std::string(p.Enreg.Nom) + (gest.EnErreur() ? "!" : ""));
+    }
+    return vu;
+  };
+  const std::vector<std::string> direct = parcours(false);
+  ASSERT_GE(direct.size(), 121u);
+  EXPECT_EQ(direct[118], "NOM119");
+  // La fiche coupée n'est plus comptée : au-delà du compte, une fiche vide, sans erreur.
+  EXPECT_EQ(direct[119], "");
+  EXPECT_EQ(parcours(true), direct);
 }
 
 }  // namespace

@@ -147,10 +147,32 @@ int32_t TBufferisationArbChrono::Trouve(long no) {
   Libere(e);
   // Ce que lirait TPerson(Fic, no, false, 0, false), gardé brut : une fiche que rien ne
   // remplit (numéro 0, hors du fichier, illisible) se lit vide.
-  e.Lisible = (no > 0 || no == -2) && TPerson::LitBrut(Fic, no, e.Brut, e.Ext);
+  e.Lisible = (no > 0 || no == -2) && LitBrut(no, e);
   Insere(no, place);
   NoteNumero(no);
   return place;
+}
+
+bool TBufferisationArbChrono::LitBrut(long no, TEntree& e) {
+  const bool suite = no > 0 && no == Precedent + 1;
+  Precedent = no;
+  if (!suite) return TPerson::LitBrut(Fic, no, e.Brut, e.Ext);
+  const bool dansLeBloc = no >= BlocDebut && no < BlocDebut + BlocNombre && BlocEcritures == Fic->NbEcritures();
+  if (!dansLeBloc) {
+    // Jamais au-delà du compte : ce qui suit n'est pas une fiche, et LitBrut le refuserait.
+    BlocNombre = std::min(kBloc, Fic->NbPersEffective() - no + 1);
+    if (BlocNombre <= 0) {
+      BlocNombre = 0;
+      return TPerson::LitBrut(Fic, no, e.Brut, e.Ext);
+    }
+    Bloc.resize(size_t(kBloc));
+    BlocDebut = no;
+    BlocOctets = Fic->LitEnregs(no, BlocNombre, Bloc.data());
+    BlocEcritures = Fic->NbEcritures();
+  }
+  const long k = no - BlocDebut;
+  const bool venu = BlocOctets > int64_t(k) * int64_t(sizeof(TPerson::TEnreg));
+  return TPerson::LitBrutDeja(Fic, no, venu ? &Bloc[size_t(k)] : nullptr, e.Brut, e.Ext);
 }
 
 void TBufferisationArbChrono::Libere(TEntree& e) {
@@ -250,6 +272,8 @@ void TBufferisationArbChrono::RazBuffers() {
   Tas.clear();
   DebutTas = 0;
   TasTrie = true;
+  BlocNombre = 0;
+  Precedent = 0;
 }
 
 }  // namespace rqbase

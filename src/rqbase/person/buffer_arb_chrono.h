@@ -14,6 +14,11 @@
 // (GetPerson), avec ses listes, ou recopiée par Update tient par un TPerson entier, qui
 // l'emporte alors sur le brut.
 //
+// Un parcours (des numéros absents demandés l'un après l'autre) lit le fichier par blocs de
+// 64 enregistrements d'un seul appel : seule la personne demandée entre dans le cache, les
+// suivantes attendent dans le bloc, qui ne sert plus dès qu'une fiche a été écrite. Un
+// parcours par le cache coûte ainsi moins d'appels au système qu'un parcours sans lui.
+//
 // La personne chassée prête sa place à la suivante et l'index est une table plate : un
 // parcours par le cache n'alloue rien une fois le cache plein. Le pointeur rendu par
 // GetPerson ou Update désigne la personne tant qu'elle reste dans le cache ; chassée, son
@@ -87,6 +92,9 @@ class TBufferisationArbChrono : public TCachePersonnes {
   void Libere(TEntree& e);
   // Note `no` dans le tas des numéros (refait quand les numéros oubliés l'encombrent).
   void NoteNumero(long no);
+  // L'enregistrement brut de `no` (TPerson::LitBrut), tiré du bloc de la lecture anticipée
+  // quand `no` suit le numéro lu avant lui.
+  bool LitBrut(long no, TEntree& e);
 
   TFicPersons* Fic;
   size_t Capacite;
@@ -104,6 +112,14 @@ class TBufferisationArbChrono : public TCachePersonnes {
   // la suite (déjà un tas) devient le tas.
   bool TasTrie = true;
   size_t DebutTas = 0;
+  // La lecture anticipée : les enregistrements BlocDebut.. lus d'un appel (BlocOctets venus),
+  // valables tant que le fichier compte BlocEcritures écritures.
+  static constexpr long kBloc = 64;
+  std::vector<TPerson::TEnreg> Bloc;
+  long BlocDebut = 0, BlocNombre = 0;
+  int64_t BlocOctets = 0;
+  uint64_t BlocEcritures = 0;
+  long Precedent = 0;  // le dernier numéro lu du disque
 };
 
 }  // namespace rqbase

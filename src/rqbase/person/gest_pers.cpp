@@ -137,9 +137,28 @@ void TPerson::Lecture(long no, bool complement, int typeLecture, bool viaBuffer)
 
 bool TPerson::LitBrut(TFicPersons* fic, long no, TEnreg& brut, std::unique_ptr<TExtPerson::TEnreg>& ext) {
   ext.reset();
+  if (!PeutLireBrut(fic, no)) return false;
+  return SuiteLitBrut(fic->Gest(), fic->LitEnreg(no, brut), brut, ext);
+}
+
+bool TPerson::LitBrutDeja(TFicPersons* fic, long no, const TEnreg* lu, TEnreg& brut,
+                          std::unique_ptr<TExtPerson::TEnreg>& ext) {
+  ext.reset();
+  if (!PeutLireBrut(fic, no)) return false;
+  // Ce que LitEnreg ferait de ces octets-là : zéro octet venu est un échec.
+  brut = lu ? *lu : TEnreg{};
+  fic->Gest()->FixeErreur(!lu);
+  return SuiteLitBrut(fic->Gest(), lu != nullptr, brut, ext);
+}
+
+bool TPerson::PeutLireBrut(TFicPersons* fic, long no) {
   TContexteDossier* gest = fic ? fic->Gest() : nullptr;
-  if (!gest || no == 0 || no > fic->NbPersEffective() || gest->EnErreur()) return false;
-  if (!fic->LitEnreg(no, brut)) {
+  return gest && no != 0 && no <= fic->NbPersEffective() && !gest->EnErreur();
+}
+
+bool TPerson::SuiteLitBrut(TContexteDossier* gest, bool venu, const TEnreg& brut,
+                           std::unique_ptr<TExtPerson::TEnreg>& ext) {
+  if (!venu) {
     if (gest->EnErreur()) gest->FixeGenreErreur(1);
     return false;
   }

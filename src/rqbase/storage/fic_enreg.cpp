@@ -95,6 +95,21 @@ bool TFicEnregBase::LitEnreg(long no, void* tampon) {
   return LitEnregistrement(Gestion, Handle.get(), no, tampon, Taille);
 }
 
+int64_t TFicEnregBase::LitEnregs(long no, long nombre, void* tampon) {
+  if (nombre <= 0) return 0;
+  const size_t octets = size_t(nombre) * Taille;
+  std::memset(tampon, 0, octets);
+  if (!Gestion || Gestion->EnErreur() || !Handle) return 0;
+  const int64_t decalage = DecalageEnreg(no, Taille);
+  if (decalage < 0) return 0;
+  const int64_t lus = Handle->LitA(decalage, tampon, octets);
+  if (lus < 0) {
+    std::memset(tampon, 0, octets);
+    return 0;
+  }
+  return lus;
+}
+
 bool TFicEnregBase::EcritEnreg(long no, const void* tampon, const char* texteException) {
   if (no > Nombre) {
     if (texteException) throw ERqBase(texteException);

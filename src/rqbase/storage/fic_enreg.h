@@ -69,6 +69,12 @@ class TFicEnregBase {
   // Lit l'enregistrement `no` dans `tampon` (mis à zéro d'abord) et affecte au dossier le
   // drapeau d'erreur selon l'issue. Rend true si des octets sont venus.
   bool LitEnreg(long no, void* tampon);
+  // Lit d'un seul appel les `nombre` enregistrements qui suivent `no` (lui compris) dans
+  // `tampon` (nombre × taille octets, mis à zéro d'abord) : la lecture anticipée d'un parcours.
+  // Rend le nombre d'octets venus (0 sans fichier ou en erreur) ; un enregistrement dont aucun
+  // octet n'est venu est illisible. Le drapeau d'erreur du dossier n'est pas touché : celui
+  // qui sert un enregistrement du bloc le fixe comme LitEnreg l'aurait fait.
+  int64_t LitEnregs(long no, long nombre, void* tampon);
   // Écrit l'enregistrement `no`, puis l'en-tête s'il couvre un numéro neuf. Un numéro
   // au-delà du compte lève ERqBase(texteException) sans rien écrire (sans texte : refusé
   // sans exception) ; 0 n'écrit rien.
