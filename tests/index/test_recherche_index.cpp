@@ -1,5 +1,6 @@
 // Recherche dans l'index des noms : masques, texte plié, particules, plusieurs noms et prénoms,
-// soundex, valeurs spéciales, sexe, période, conjoints, parents, exclusions, abandon, listes.
+// soundex, valeurs spéciales, sexe, période, conjoints, parents, exclusions, abandon, listes,
+// équivalences, lignes de liste, critère de fait.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include "dossier_essai.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/index/index_personnes.h"
+#include "rqbase/index/noms_equivalents.h"
 #include "rqbase/index/recherche_index.h"
 #include "rqbase/places/gestduplicat.h"
 #include "rqbase/storage/datamodulebdd.h"
@@ -364,6 +366,133 @@ TEST_F(RechercheTest, ListesDeValeursDesFaits) {
   EXPECT_EQ(l, std::vector<std::string>{"tisserand"});
   Index->Table().RetournePatronymeLieu(0, l);
   EXPECT_TRUE(l.empty());
+}
+
+// Les variantes de la recherche : équivalences de noms, lignes de liste, arbre affiché.
+TEST_F(RechercheTest, EquivalencesLignesDeListeEtArbreAffiche) {
+  Index->Fourchette = [](TPerson& p, float& mn, float& mx) {
+    mn = p.Enreg.Prenoms[0] == 'J' ? 1820 : 1900;
+    mx = mn + 60;
+    return true;
+  };
+  const long dupont = Ajoute("Dupont", "Jean");
+  const long dupond = Ajoute("Dupond", "Jehan");
+  const long martin = Ajoute("Martin", "Jean", 'F');
+  essai::Ecrit(Temp.Dossier() + "/Essai.neq", "# graphies\r\nDupont;Dupond;\r\nseul\r\n");
+  essai::Ecrit(Temp.Dossier() + "/Essai.preq", "Jean;Jehan\n");
+  Gest.reset();
+  Gest = std::make_unique<TGestFichier>(Temp.Prs(), false);
+  Index = Gest->FicIndexPerson();
+  Fic = Gest->FicPersons();
+  ASSERT_NE(Gest->TabNomEquiv(), nullptr);
+  EXPECT_EQ(Gest->TabNomEquiv()->Avertissements.size(), 1u);  // "seul" : une graphie
+
+  TGestEltIndex::TRechSimple rs;
+  rs.Nom = "Dupont";
+  EXPECT_EQ(Cherche(rs), std::vector<long>{dupont});
+  rs.Equivalences = true;
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{dupond, dupont}));
+  rs.Nom = "";
+  rs.Prenoms = "Jehan";
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{dupond, dupont, martin}));
+  rs.Prenoms = "Je*";  // un masque n'a pas d'équivalents
+  rs.Nom = "Martin";
+  EXPECT_EQ(Cherche(rs), std::vector<long>{martin});
+
+  // Lignes de liste : la fiche pour le nom et le sexe, l'index pour les années.
+  std::vector<TGestEltIndex::TLigneResultat> lignes;
+  rs.RazTotal();
+  rs.Nom = "DUPON*";
+  ASSERT_EQ(Index->Table().RechercheSimpleLV(rs, lignes), 2);
+  EXPECT_EQ(lignes[0].Numero, dupond);
+  EXPECT_EQ(lignes[0].Nom, "Dupond");
+  EXPECT_EQ(lignes[0].Prenoms, "Jehan");
+  EXPECT_EQ(lignes[0].Sexe, 'M');
+  EXPECT_EQ(lignes[0].AnneeMin, 1820);
+  EXPECT_EQ(lignes[0].AnneeMax, 1880);
+  EXPECT_EQ(lignes[1].Numero, dupont);
+  // Arbre affiché : seules ses personnes répondent, et la limite ne compte qu'elles.
+  rs.Nom = "";
+  rs.Limite = 1;
+  ASSERT_EQ(Index->Table().RechercheSimpleLVArbAff(rs, {martin, dupont}, lignes), 1);
+  EXPECT_EQ(lignes[0].Numero, dupont);
+  EXPECT_EQ(lignes[0].Sexe, 'M');
+  rs.Limite = 0;
+  Index->Table().RechercheSimpleLVArbAff(rs, {martin}, lignes);
+  ASSERT_EQ(lignes.size(), 1u);
+  EXPECT_EQ(lignes[0].Sexe, 'F');
+  EXPECT_EQ(lignes[0].AnneeMin, 1820);
+  EXPECT_EQ(Index->Table().RechercheSimpleLVArbAff(rs, {}, lignes), 0);
+}
+
+// Les lignes d'une personne retrouvées par le classement par personne, qui suit la table.
+TEST_F(RechercheTest, LignesDUnePersonneParSonNumero) {
+  const long a = Ajoute("Martin;Durand", "Jean Paul");
+  const long b = Ajoute("Roy", "Luc");
+  TGestEltIndex& t = Index->Table();
+  t.InitClefIndexOfNoPers();
+  for (long no : {a, b}) {
+    std::vector<long> rangs;
+    t.ChercheClefPersNo(no, rangs);
+    ASSERT_FALSE(rangs.empty());
+    EXPECT_EQ(t.FindClefIndexOfNoPers(no), rangs.front()) << no;
+  }
+  EXPECT_EQ(t.FindClefIndexOfNoPers(999), -1);
+  EXPECT_EQ(t.FindClefIndexOfNoPers(0), -1);
+  // Un changement de la table : le classement est refait sans qu'on le demande.
+  const long c = Ajoute("Aaron", "Abel");
+  EXPECT_EQ(Index->Table().FindClefIndexOfNoPers(c), 0);
+  std::vector<long> rangs;
+  Index->Table().ChercheClefPersNo(b, rangs);
+  EXPECT_EQ(Index->Table().FindClefIndexOfNoPers(b), rangs.front());
+  TPerson(Fic, c).Suppression(false);
+  EXPECT_EQ(Index->Table().FindClefIndexOfNoPers(c), -1);
+}
+
+// Le critère de fait : libellé (masque), donnée pliée, années de la date ; un champ simple
+// répond sans période.
+TEST_F(RechercheTest, CritereDeFaitSurEvenementsEtChampsSimples) {
+  const long jean = Ajoute("Martin", "Jean"), paul = Ajoute("Martin", "Paul"), luc = Ajoute("Martin", "Luc");
+  auto fait = [&](long no, const char* libelle, const char* date, const char* donnee) {
+    TPerson p(Fic, no, true);
+    TEvenement e(Gest->ModuleBDD());
+    e.Enreg.SetLibelle(libelle);
+    e.Enreg.Date = TDateRQ('G', date);
+    e.Enreg.SetDonnee(donnee);
+    e.Enreg.NoPersA = no;
+    ASSERT_TRUE(p.AjoutEven(&e, true, false, true));
+  };
+  fait(jean, "NAISSANCE", "12/05/1850", "");
+  fait(paul, "NAISSANCE", "1870/1880", "");
+  fait(paul, "PROFESSION", "", "Tisserand à façon");
+  TGestEltIndex::TRechSimple rs;
+  rs.Nom = "Martin";
+  rs.Evenement = "naissance";
+  EXPECT_EQ(Cherche(rs), (std::vector<long>{jean, paul}));
+  rs.EvenAnneeDebut = 1860;
+  EXPECT_EQ(Cherche(rs), std::vector<long>{paul});
+  rs.EvenAnneeFin = 1872;
+  EXPECT_EQ(Cherche(rs), std::vector<long>{paul});  // la fourchette touche la période
+  rs.EvenAnneeDebut = 1881;
+  rs.EvenAnneeFin = 0;
+  EXPECT_TRUE(Cherche(rs).empty());
+  rs.EvenAnneeDebut = 0;
+  rs.Evenement = "PROF*";
+  rs.DonneeEvenement = "tisserand*";
+  EXPECT_EQ(Cherche(rs), std::vector<long>{paul});
+  rs.DonneeEvenement = "meunier";
+  EXPECT_TRUE(Cherche(rs).empty());
+  (void)luc;
+
+  TChpsSimple::TEnreg chp;
+  chp.Libelle = "RELIGION";
+  chp.Donnee = "Catholique";
+  EXPECT_TRUE(TGestEltIndex::CompareChps(chp, "religion", "CATHO*"));
+  EXPECT_FALSE(TGestEltIndex::CompareChps(chp, "NAISSANCE", ""));
+  TEvenement::TEnreg sansDate;
+  sansDate.SetLibelle("DECES");
+  EXPECT_TRUE(TGestEltIndex::CompareEvent(sansDate, "DECES", "", 0, 0));
+  EXPECT_FALSE(TGestEltIndex::CompareEvent(sansDate, "DECES", "", 1800, 1900));  // sans année
 }
 
 }  // namespace

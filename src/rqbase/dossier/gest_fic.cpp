@@ -14,6 +14,7 @@
 #include "rqbase/fields/chp_cs.h"
 #include "rqbase/fields/def_chps_cs.h"
 #include "rqbase/index/index_personnes.h"
+#include "rqbase/index/noms_equivalents.h"
 #include "rqbase/notes/fic_notes.h"
 #include "rqbase/person/estimation_personne.h"
 #include "rqbase/person/gest_pers.h"
@@ -217,6 +218,12 @@ void TGestFichier::AjouteObjets(bool sansTest) {
     Index->Fourchette = FourchetteDeVie;  // années des lignes : l'estimation des dates de vie
   }
   if (peut()) DefChpsCs = std::make_unique<TDefChpsCs>(this, false);
+  if (peut()) OuvreNomsEquiv();
+}
+
+void TGestFichier::OuvreNomsEquiv() {
+  NomsEquiv = std::make_unique<TTabNomEquiv>(FabriqueNomFichier(tfNeq), FabriqueNomFichier(tfPreq));
+  if (Index) Index->NomsEquiv = NomsEquiv.get();
 }
 
 void TGestFichier::AjouteFacades(bool sansTest) {
@@ -322,6 +329,7 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
   Index = std::make_unique<TFicIndexPerson>(this, true);
   Index->Fourchette = FourchetteDeVie;
   DefChpsCs = std::make_unique<TDefChpsCs>(this, true);
+  OuvreNomsEquiv();
   // Un dossier neuf naît à jour : son catalogue a déjà PROFESSION pour événement, et aucune
   // ouverture ne devra plus poser la question ni écrire la clé.
   if (const TChpCs* profession = DefChpsCs->RechercheChampsInternePtr("PROFESSION");
@@ -375,6 +383,7 @@ void TGestFichier::FermerFichiers() {
   Evens.reset();
   Notes.reset();
   DefChpsCs.reset();
+  NomsEquiv.reset();
   Xml.reset();
 }
 

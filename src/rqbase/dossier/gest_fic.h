@@ -31,6 +31,7 @@ class TDefChpsCs;
 class TFicNotes;
 class TFicDupli;
 class TFicIndexPerson;
+class TTabNomEquiv;
 
 // 0 : un ancien dossier reste tel quel, en lecture seule ; 1 : le formulaire de
 // conversion est proposé ; 2 : un ancien dossier s'ouvre sans protection.
@@ -130,6 +131,8 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   TDefChpsCs* GetDefChpsCs() const override { return DefChpsCs.get(); }
   // L'index des noms (IndexNomPrenoms et sa table en mémoire) ; nul tant qu'il n'est pas ouvert.
   TFicIndexPerson* FicIndexPerson() const { return Index.get(); }
+  // Les équivalences de noms et de prénoms (.neq, .preq) ; nul tant qu'elles ne sont pas lues.
+  TTabNomEquiv* TabNomEquiv() const { return NomsEquiv.get(); }
   // Une personne enregistrée met ses lignes de l'index d'accord avec elle.
   void ModifClef(TPerson& personne, bool enregistrer) override;
   // L'ordre des événements d'une personne enregistrée : par type puis par date (préférence
@@ -144,6 +147,8 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   void MetAJourProfession();
   // Les façades Sources, ChpsSimple, ExtEvens, Evens, dans cet ordre.
   void AjouteFacades(bool sansTest);
+  // Lit les équivalences de noms et les donne à l'index.
+  void OuvreNomsEquiv();
   bool PrendVerrou();
   // Donne à la base ses voisins (cache des personnes, comptes des lieux et des notes).
   void RelieBase();
@@ -173,6 +178,7 @@ class TGestFichier : public TContexteDossier, public TVoisinsPersonne {
   std::unique_ptr<TFicNotes> Notes;
   std::unique_ptr<TDefChpsCs> DefChpsCs;
   std::unique_ptr<TFicIndexPerson> Index;
+  std::unique_ptr<TTabNomEquiv> NomsEquiv;
 };
 
 // Construit dossier, `<nom>.rq2/` et nom de fichier : rend le chemin du .prs.

@@ -364,7 +364,9 @@ TFicIndexPerson::TControle TFicIndexPerson::ControleBase() {
 }
 
 void TFicIndexPerson::RelieTable() {
-  if (Memoire) Memoire->Personnes = Contexte ? Contexte->FicPersons() : nullptr;
+  if (!Memoire) return;
+  Memoire->Personnes = Contexte ? Contexte->FicPersons() : nullptr;
+  Memoire->NomsEquiv = NomsEquiv;
 }
 
 TGestEltIndex& TFicIndexPerson::Table() {

@@ -127,6 +127,8 @@ class TFicIndexPerson {
   // se calcule pas. Posée par le dossier quand l'estimateur des dates de vie est là ; nulle,
   // les années de l'index restent inconnues (0).
   std::function<bool(TPerson&, float&, float&)> Fourchette;
+  // Les équivalences de noms du dossier, données à la table en mémoire (posées par le dossier).
+  const TTabNomEquiv* NomsEquiv = nullptr;
 
   // --- Fichier .prx : forme et relecture (séparées pour le fuzz et les tests) ---
   struct TControle {

@@ -12,6 +12,7 @@
 #include <unordered_map>
 
 #include "rqbase/index/bo_chn.h"
+#include "rqbase/index/noms_equivalents.h"
 #include "rqbase/index/particules.h"
 #include "rqbase/index/soundex.h"
 #include "rqbase/person/gest_pers.h"
@@ -194,34 +195,8 @@ long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::stri
     if (noms) noms->clear();
     if (numeros) numeros->clear();
   }
-  if (GetNbElt() == 0) return 0;
-
-  std::vector<std::string> lesNoms = Elements(rs.Nom, ';');
-  std::vector<std::string> lesPrenoms = Elements(rs.Prenoms, ' ');
-  if (lesNoms.empty()) lesNoms.push_back("");
-  if (lesPrenoms.empty()) lesPrenoms.push_back("");
-  for (std::string& n : lesNoms) n = FormatCritere(n);
-  for (std::string& p : lesPrenoms) p = FormatCritere(p);
-
-  if (progression) {
-    progression->Maximum(long(lesNoms.size() * lesPrenoms.size()));
-    progression->Position(0);
-  }
-  Trouvees.Commence();
-  // Un seul couple de critères parcourt la table dans l'ordre : la limite atteinte, la suite
-  // ne peut venir qu'après, et le parcours s'arrête là.
-  ArretA = lesNoms.size() * lesPrenoms.size() == 1 ? rs.Limite : 0;
-  for (const std::string& nom : lesNoms) {
-    for (const std::string& prenom : lesPrenoms) {
-      if (GetAbandon() || (progression && progression->Abandon())) break;
-      RechercheSimpleNomEtConj(rs, Trouvees, nom, prenom);
-      if (progression) progression->Avance();
-    }
-  }
-  ArretA = 0;
-
-  std::vector<std::pair<long, long>>& ordre = Trouvees.Classees();  // (rang, personne)
-  const size_t garde = rs.Limite > 0 ? std::min(ordre.size(), size_t(rs.Limite)) : ordre.size();
+  const size_t garde = Recherche(rs, progression, nullptr);
+  const std::vector<std::pair<long, long>>& ordre = Trouvees.Classees();  // (rang, personne)
   if (numeros) numeros->reserve(numeros->size() + garde);
   for (size_t k = 0; k < garde; ++k) {
     const auto& [rang, no] = ordre[k];
@@ -240,6 +215,95 @@ long TGestEltIndex::RechercheSimple(const TRechSimple& rs, std::vector<std::stri
     }
   }
   return long(garde);
+}
+
+long TGestEltIndex::RechercheSimpleLV(const TRechSimple& rs, std::vector<TLigneResultat>& lignes,
+                                      TProgression* progression) {
+  return RemplitLignes(rs, lignes, Recherche(rs, progression, nullptr));
+}
+
+long TGestEltIndex::RechercheSimpleLVArbAff(const TRechSimple& rs, const std::set<long>& affichees,
+                                            std::vector<TLigneResultat>& lignes, TProgression* progression) {
+  return RemplitLignes(rs, lignes, Recherche(rs, progression, &affichees));
+}
+
+long TGestEltIndex::RemplitLignes(const TRechSimple& rs, std::vector<TLigneResultat>& lignes, size_t garde) {
+  if (!rs.Ajoute) lignes.clear();
+  const std::vector<std::pair<long, long>>& ordre = Trouvees.Classees();
+  lignes.reserve(lignes.size() + garde);
+  TEltIndex elt;
+  for (size_t k = 0; k < garde; ++k) {
+    const auto& [rang, no] = ordre[k];
+    Lit(rang, elt);
+    TLigneResultat l;
+    l.Numero = no;
+    // Toutes les lignes d'une personne portent les mêmes années et le même sexe.
+    l.AnneeMin = elt.Enreg.AnneeMin;
+    l.AnneeMax = elt.Enreg.AnneeMax;
+    TEnregPersonne e{};
+    if (Personnes && Personnes->LitEnreg(no, e)) {
+      l.Nom.assign(e.Nom, strnlen(e.Nom, sizeof e.Nom));
+      l.Prenoms.assign(e.Prenoms, strnlen(e.Prenoms, sizeof e.Prenoms));
+      l.Sexe = (e.Sexe == 'M' || e.Sexe == 'F') ? e.Sexe : '?';
+    } else {
+      l.Nom = elt.Enreg.Nom;
+      l.Prenoms = elt.Enreg.Prenom;
+      l.Sexe = (elt.Enreg.Sexe == 'M' || elt.Enreg.Sexe == 'F') ? elt.Enreg.Sexe : '?';
+    }
+    lignes.push_back(std::move(l));
+  }
+  return long(garde);
+}
+
+size_t TGestEltIndex::Recherche(const TRechSimple& rs, TProgression* progression, const std::set<long>* parmi) {
+  Trouvees.Commence();
+  if (GetNbElt() == 0) return 0;
+
+  std::vector<std::string> lesNoms = Elements(rs.Nom, ';');
+  std::vector<std::string> lesPrenoms = Elements(rs.Prenoms, ' ');
+  if (lesNoms.empty()) lesNoms.push_back("");
+  if (lesPrenoms.empty()) lesPrenoms.push_back("");
+
+  // Chaque critère, et avec les équivalences chacune de ses graphies, gardées par nom pour
+  // resservir dans les boucles.
+  const bool equivalences = rs.Equivalences && NomsEquiv;
+  std::map<std::string, std::vector<std::string>> variantes;
+  auto graphies = [&](const std::string& critere, TTabNomEquiv::TGenre genre) -> const std::vector<std::string>& {
+    const std::string cle = std::string(1, char('0' + int(genre))) + critere;
+    auto [it, neuve] = variantes.try_emplace(cle);
+    if (neuve) {
+      // Un masque, une valeur spéciale ou un critère vide n'ont pas d'équivalents.
+      const std::string forme = FormatCritere(critere);
+      const bool special = EstSpecial(forme, kSansNom) || EstSpecial(forme, kSansPrenom);
+      if (equivalences && !forme.empty() && forme.find('*') == std::string::npos && !special)
+        it->second = NomsEquiv->GetNomEquiv(critere, genre);
+      else
+        it->second = {forme};
+    }
+    return it->second;
+  };
+
+  if (progression) {
+    progression->Maximum(long(lesNoms.size() * lesPrenoms.size()));
+    progression->Position(0);
+  }
+  Parmi = parmi;
+  // Un seul couple de critères parcourt la table dans l'ordre : la limite atteinte, la suite
+  // ne peut venir qu'après, et le parcours s'arrête là.
+  ArretA = lesNoms.size() * lesPrenoms.size() == 1 && !equivalences ? rs.Limite : 0;
+  for (const std::string& nom : lesNoms) {
+    for (const std::string& prenom : lesPrenoms) {
+      if (GetAbandon() || (progression && progression->Abandon())) break;
+      for (const std::string& n : graphies(nom, TTabNomEquiv::TGenre::Noms))
+        for (const std::string& p : graphies(prenom, TTabNomEquiv::TGenre::Prenoms))
+          RechercheSimpleNomEtConj(rs, Trouvees, n, p);
+      if (progression) progression->Avance();
+    }
+  }
+  ArretA = 0;
+  Parmi = nullptr;
+  const size_t n = Trouvees.Classees().size();
+  return rs.Limite > 0 ? std::min(n, size_t(rs.Limite)) : n;
 }
 
 void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, TTrouvees& trouves,
@@ -310,7 +374,7 @@ void TGestEltIndex::RechercheSimpleNomEtConj(const TRechSimple& rs, TTrouvees& t
     }
     // Les critères propres à la personne ne dépendent pas du couple cherché : jugée une fois
     // par recherche.
-    if (!CriterePersonne(rs, no)) {
+    if ((Parmi && Parmi->count(no) == 0) || !CriterePersonne(rs, no)) {
       trouves.Ecarte(no);
       continue;
     }
@@ -420,11 +484,25 @@ bool TGestEltIndex::CriterePersonne(const TRechSimple& rs, long no) {
   const bool parents = !rs.Parents.empty() || rs.AvecParents || rs.Pere != 0 || rs.Mere != 0;
   const bool liens = rs.SansConjoint || rs.SansEnfant || rs.NbConjointsMin > 0 || rs.NbEnfantsMin > 0;
   const bool exclusions = !rs.Exclus.empty() || rs.NoExclu != -1 || rs.ExcluPere != 0 || rs.ExcluMere != 0;
-  if (!conjoint && !parents && !liens && !exclusions) return true;
-  if (!Personnes) return !conjoint && !parents && !liens && !IsExclu(no, &rs);
+  const bool fait = !Trim(rs.Evenement).empty();
+  if (!conjoint && !parents && !liens && !exclusions && !fait) return true;
+  if (!Personnes) return !conjoint && !parents && !liens && !fait && !IsExclu(no, &rs);
 
-  const TPerson p(Personnes, no);
+  // Les faits ne se lisent que s'ils sont demandés : c'est la base qu'on interroge alors.
+  const TPerson p(Personnes, no, fait);
   if (p.FicheSupprimee()) return false;
+  if (fait) {
+    bool trouve = false;
+    if (const auto* evens = p.Evens())
+      for (const auto& ev : *evens)
+        if (!trouve && CompareEvent(ev.Enreg, rs.Evenement, rs.DonneeEvenement, rs.EvenAnneeDebut, rs.EvenAnneeFin))
+          trouve = true;
+    // Un champ simple n'a pas de date : il ne répond pas quand une période est demandée.
+    if (const auto* chps = p.Chps(); chps && rs.EvenAnneeDebut == 0 && rs.EvenAnneeFin == 0)
+      for (const auto& chp : *chps)
+        if (!trouve && CompareChps(chp.Enreg, rs.Evenement, rs.DonneeEvenement)) trouve = true;
+    if (!trouve) return false;
+  }
   if (parents) {
     for (const std::string& c : Elements(rs.Parents, ';')) {
       const std::string f = FormatIndex(c);
@@ -480,6 +558,41 @@ bool TGestEltIndex::CompareNomPrenoms(const TPerson& p, const std::string& nom, 
   std::string noms(p.Enreg.Nom, strnlen(p.Enreg.Nom, sizeof p.Enreg.Nom));
   std::string prenoms(p.Enreg.Prenoms, strnlen(p.Enreg.Prenoms, sizeof p.Enreg.Prenoms));
   return CompareNom(noms, nom, soundexNom) && ComparePrenoms(prenoms, prenom, soundexPrenom);
+}
+
+namespace {
+
+// Un libellé du catalogue comparé à un masque tapé : capitales, blancs autour ôtés.
+bool LibelleRepond(const std::string& libelle, const std::string& masque) {
+  if (Trim(masque).empty()) return true;
+  return StrCmpMasque(UpperANSIChaineAS(Trim(libelle), 2).c_str(), UpperANSIChaineAS(Trim(masque), 2).c_str()) == 0;
+}
+
+// Une donnée comparée à un masque tapé, toutes deux pliées comme un nom.
+bool DonneeRepond(const std::string& donnee, const std::string& masque) {
+  if (Trim(masque).empty()) return true;
+  return StrCmpMasque(FormatIndex(donnee).c_str(), FormatCritere(masque).c_str()) == 0;
+}
+
+}  // namespace
+
+bool TGestEltIndex::CompareEvent(const TEvenement::TEnreg& ev, const std::string& libelle, const std::string& donnee,
+                                 int anneeDebut, int anneeFin) {
+  if (!LibelleRepond(ev.Libelle, libelle) || !DonneeRepond(ev.Donnee, donnee)) return false;
+  if (anneeDebut == 0 && anneeFin == 0) return true;
+  TDateRQ d = ev.Date;
+  int mn = 0, mx = 0;
+  const int annee = d.RecupAnnee(true, &mn, &mx);
+  if (annee == 0 && mn == 0 && mx == 0) return false;
+  // Une fourchette ouverte d'un côté laisse ce côté ouvert.
+  const int bas = mn != 0 ? mn : (mx != 0 ? INT_MIN : annee);
+  const int haut = mx != 0 ? mx : (mn != 0 ? INT_MAX : annee);
+  return !(anneeDebut != 0 && haut < anneeDebut) && !(anneeFin != 0 && bas > anneeFin);
+}
+
+bool TGestEltIndex::CompareChps(const TChpsSimple::TEnreg& chp, const std::string& libelle,
+                                const std::string& donnee) {
+  return LibelleRepond(chp.Libelle, libelle) && DonneeRepond(chp.Donnee, donnee);
 }
 
 bool TGestEltIndex::IsPrenomsCorrespond(const std::string& prenoms, const std::string& critere) {
@@ -708,6 +821,37 @@ long TGestEltIndex::SupprimeClefPersNo(long no) {
   for (auto it = rangs.rbegin(); it != rangs.rend(); ++it) Supprime(*it, travail);
   InvalideSoundex();
   return long(rangs.size());
+}
+
+void TGestEltIndex::InitClefIndexOfNoPers() {
+  ParPersonne.clear();
+  ParPersonne.reserve(size_t(GetNbElt()));
+  TEltIndex e;
+  for (long r = 0; r < GetNbElt(); ++r) {
+    Lit(r, e);
+    if (e.Enreg.NoPers > 0) ParPersonne.push_back((uint64_t(uint32_t(e.Enreg.NoPers)) << 32) | uint64_t(uint32_t(r)));
+  }
+  std::sort(ParPersonne.begin(), ParPersonne.end());
+  ParPersonneNb = GetNbElt();
+  ParPersonneUtilise = TailleUtilisee();
+}
+
+long TGestEltIndex::FindClefIndexOfNoPers(long no) {
+  if (no <= 0 || no > INT32_MAX) return -1;
+  if (ParPersonneNb != GetNbElt() || ParPersonneUtilise != TailleUtilisee()) InitClefIndexOfNoPers();
+  const uint64_t cle = uint64_t(no) << 32;
+  auto it = std::lower_bound(ParPersonne.begin(), ParPersonne.end(), cle);
+  if (it == ParPersonne.end() || (*it >> 32) != uint64_t(no)) return -1;
+  // Les rangs d'une personne se suivent dans le classement : le premier est le plus petit.
+  const long rang = long(*it & 0xFFFFFFFFULL);
+  // Un classement en retard sur un changement que la taille ne montre pas : la ligne relue
+  // le dit, et il est refait.
+  TEltIndex e;
+  Lit(rang, e);
+  if (e.Enreg.NoPers == no) return rang;
+  InitClefIndexOfNoPers();
+  it = std::lower_bound(ParPersonne.begin(), ParPersonne.end(), cle);
+  return it != ParPersonne.end() && (*it >> 32) == uint64_t(no) ? long(*it & 0xFFFFFFFFULL) : -1;
 }
 
 }  // namespace rqbase

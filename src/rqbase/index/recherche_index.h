@@ -24,12 +24,15 @@
 #include <vector>
 
 #include "rqbase/index/ligne_index.h"
+#include "rqbase/storage/evenement.h"
 #include "rqbase/storage/g_tblvar.h"
 
 namespace rqbase {
 
 class TFicPersons;
 class TPerson;
+class TTabNomEquiv;
+struct TSearchPersEdit;
 class TProgression;
 
 // Compare un texte à un masque : 0 s'il y répond, non nul sinon. Sans '*', le texte doit être
@@ -62,7 +65,7 @@ class TGestEltIndex : public TTableTV {
     bool Hommes = false;           // Hommes et Femmes : raccourcis de Sexe
     bool Femmes = false;
     bool Ajoute = false;        // la liste n'est pas vidée avant la recherche
-    bool Equivalences = false;  // équivalences de noms : sans effet tant qu'elles manquent
+    bool Equivalences = false;  // chaque nom et prénom cherché sous toutes ses graphies (NomsEquiv)
     // Deux drapeaux levés au départ : les personnes et les témoins répondent.
     bool Personnes = true;
     bool Temoins = true;
@@ -74,6 +77,11 @@ class TGestEltIndex : public TTableTV {
     int NbConjointsMin = 0, NbEnfantsMin = 0;  // au moins ce nombre de conjoints, d'enfants
     long Pere = 0, Mere = 0;                   // seulement les enfants de ce père, de cette mère (0 : sans)
     long Limite = 0;                           // au plus ce nombre de personnes (0 : sans limite)
+    // Un fait de la personne (événement ou champ simple) : libellé du catalogue (masque permis ;
+    // vide : pas de critère de fait), donnée (masque sur le texte plié comme un nom ; vide :
+    // toute donnée), années de la date d'un événement (0 : borne ouverte).
+    std::string Evenement, DonneeEvenement;
+    int EvenAnneeDebut = 0, EvenAnneeFin = 0;
 
     // Exclusions.
     long NoExclu = -1;                  // une personne exclue, avec sa lignée si demandé
@@ -91,6 +99,17 @@ class TGestEltIndex : public TTableTV {
   // Les personnes lues pour les critères et les vérifications ; nul : aucune n'est lue (les
   // critères de conjoint, de parents et les exclusions par lignée ne répondent plus).
   TFicPersons* Personnes = nullptr;
+  // Les équivalences de noms du dossier ; nul : TRechSimple::Equivalences est sans effet.
+  const TTabNomEquiv* NomsEquiv = nullptr;
+
+  // Une personne trouvée, telle qu'une liste de résultats la montre : nom et prénoms de la
+  // fiche, sexe ('M', 'F' ou '?'), années de sa vie connue ou estimée (0 : inconnue).
+  struct TLigneResultat {
+    long Numero = 0;
+    std::string Nom, Prenoms;
+    char Sexe = '?';
+    int AnneeMin = 0, AnneeMax = 0;
+  };
 
   // --- Recherche ---
   // Les personnes qui répondent, dans l'ordre de la table (celui de leur première ligne
@@ -98,6 +117,13 @@ class TGestEltIndex : public TTableTV {
   // Rend le nombre de personnes trouvées par cet appel.
   long RechercheSimple(const TRechSimple& rs, std::vector<std::string>* noms, std::vector<long>* numeros,
                        TProgression* progression = nullptr);
+  // La même recherche pour une liste : une ligne par personne, dans le même ordre.
+  long RechercheSimpleLV(const TRechSimple& rs, std::vector<TLigneResultat>& lignes,
+                         TProgression* progression = nullptr);
+  // La même, limitée aux personnes d'un arbre affiché (`affichees`) ; la limite de `rs` ne
+  // compte que celles-là.
+  long RechercheSimpleLVArbAff(const TRechSimple& rs, const std::set<long>& affichees,
+                               std::vector<TLigneResultat>& lignes, TProgression* progression = nullptr);
   // Les personnes trouvées par une recherche, chacune une fois, avec le rang de sa première
   // ligne trouvée (le plus petit gardé). Chaque numéro de personne a sa place dans un tableau
   // tenu d'une recherche à l'autre et daté par la recherche : ni arbre ni hachage à chaque ligne
@@ -139,6 +165,11 @@ class TGestEltIndex : public TTableTV {
   static bool ComparePrenoms(const std::string& prenoms, const std::string& critere, bool soundex);
   static bool CompareNomPrenoms(const TPerson& p, const std::string& nom, const std::string& prenom, bool soundexNom,
                                 bool soundexPrenom);
+  // Un événement, un champ simple comparés au critère de fait (voir TRechSimple::Evenement) :
+  // libellé et donnée tels que tapés ; une période demandée écarte un événement sans année.
+  static bool CompareEvent(const TEvenement::TEnreg& ev, const std::string& libelle, const std::string& donnee,
+                           int anneeDebut, int anneeFin);
+  static bool CompareChps(const TChpsSimple::TEnreg& chp, const std::string& libelle, const std::string& donnee);
   // Vrai si un des prénoms (tels que tapés) répond au critère (tel que tapé).
   static bool IsPrenomsCorrespond(const std::string& prenoms, const std::string& critere);
 
@@ -147,6 +178,8 @@ class TGestEltIndex : public TTableTV {
   bool IsExcluParentsRecursif(int profondeur, long no, const TRechSimple* rs);
 
   static std::string FormatIndex(const std::string& nom);
+  // Les réglages de l'écran de recherche d'une personne à modifier (param_recherche.h).
+  static void GetParamSearchPersEdit(TSearchPersEdit* param);
 
   // --- Listes de valeurs (tirées de la table, triées, sans doublon) ---
   // Les noms qui commencent par `debut` (mis en forme d'index ; vide : tous).
@@ -172,6 +205,12 @@ class TGestEltIndex : public TTableTV {
   void ChercheClefPersNo(long no, std::vector<long>& rangs) const;
   // Ôte de la table toutes les lignes de la personne ; rend leur nombre.
   long SupprimeClefPersNo(long no);
+  // Prépare FindClefIndexOfNoPers : les lignes classées par personne, faites une fois pour
+  // bien des questions (ChercheClefPersNo parcourt toute la table à chaque fois).
+  void InitClefIndexOfNoPers();
+  // Le rang de la première ligne de la personne, ou -1. Le classement par personne est refait
+  // de lui-même quand la table a changé depuis InitClefIndexOfNoPers.
+  long FindClefIndexOfNoPers(long no);
 
   // Premier rang dont le nom est >= `nom` (bissection sur le seul nom).
   long PremierRangNom(const std::string& nom) const;
@@ -182,12 +221,19 @@ class TGestEltIndex : public TTableTV {
   // la table par les fonctions de TTableTV appelle InvalideSoundex (un changement du nombre
   // d'éléments ou des octets utilisés est vu de toute façon). Une liste en retard ne peut que
   // manquer des lignes : chaque ligne qu'elle donne est relue et jugée.
+  // Le classement des lignes par personne (FindClefIndexOfNoPers) suit la même règle.
   void InvalideSoundex() {
     ParSoundex.clear();
     SoundexNb = SoundexUtilise = -1;
+    ParPersonne.clear();
+    ParPersonneNb = ParPersonneUtilise = -1;
   }
 
  private:
+  // Remplit Trouvees ; rend le nombre de personnes gardées (limite comprise). `parmi` : seules
+  // ces personnes peuvent répondre.
+  size_t Recherche(const TRechSimple& rs, TProgression* progression, const std::set<long>* parmi);
+  long RemplitLignes(const TRechSimple& rs, std::vector<TLigneResultat>& lignes, size_t garde);
   bool PersonneValide(long no);
   bool CritereLigne(const TRechSimple& rs, const TEnregIndex& e) const;
   bool CriterePersonne(const TRechSimple& rs, long no);
@@ -202,6 +248,9 @@ class TGestEltIndex : public TTableTV {
   std::vector<uint64_t> ParSoundex;  // (code du soundex << 32) | rang, trié
   long SoundexNb = -1, SoundexUtilise = -1;
   long ArretA = 0;  // nombre de personnes après lequel le parcours en cours s'arrête
+  const std::set<long>* Parmi = nullptr;  // la restriction de la recherche en cours
+  std::vector<uint64_t> ParPersonne;      // (personne << 32) | rang, trié
+  long ParPersonneNb = -1, ParPersonneUtilise = -1;
 };
 
 }  // namespace rqbase

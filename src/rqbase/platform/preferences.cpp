@@ -20,10 +20,10 @@ pt::ptree::path_type Chemin(const std::string& section, const std::string& nom) 
   return pt::ptree::path_type(VersUtf8(section) + '\x1f' + VersUtf8(nom), '\x1f');
 }
 
-pt::ptree Charge() {
+pt::ptree Charge(const std::string& fichier = FichierPreferences()) {
   pt::ptree arbre;
   try {
-    pt::read_ini(CheminOs(FichierPreferences()).string(), arbre);
+    pt::read_ini(CheminOs(fichier).string(), arbre);
   } catch (const pt::ptree_error&) {
     // Fichier absent ou mal formé : les valeurs par défaut valent.
   }
@@ -37,12 +37,21 @@ std::string CleRegistrePreference() { return "Préférence Filiora"; }
 std::string SectionPreferences() { return "Software\\ZOLT\\" + CleRegistrePreference(); }
 
 std::string LitPreference(const std::string& section, const std::string& nom, const std::string& defaut) {
-  const auto valeur = Charge().get_optional<std::string>(Chemin(section, nom));
+  return LitIni(FichierPreferences(), section, nom, defaut);
+}
+
+std::string LitIni(const std::string& fichier, const std::string& section, const std::string& nom,
+                   const std::string& defaut) {
+  const auto valeur = Charge(fichier).get_optional<std::string>(Chemin(section, nom));
   return valeur ? DepuisUtf8(*valeur) : defaut;
 }
 
 int LitPreferenceEntier(const std::string& section, const std::string& nom, int defaut) {
-  const std::string texte = LitPreference(section, nom, "");
+  return LitIniEntier(FichierPreferences(), section, nom, defaut);
+}
+
+int LitIniEntier(const std::string& fichier, const std::string& section, const std::string& nom, int defaut) {
+  const std::string texte = LitIni(fichier, section, nom, "");
   try {
     size_t lu = 0;
     const int v = std::stoi(texte, &lu);

@@ -20,4 +20,10 @@ int LitPreferenceEntier(const std::string& section, const std::string& nom, int 
 bool EcritPreference(const std::string& section, const std::string& nom, const std::string& valeur);
 bool EcritPreferenceEntier(const std::string& section, const std::string& nom, int valeur);
 
+// Une valeur d'un autre fichier INI (réglages d'un écran...), lue de même ; `fichier` est un
+// chemin interne (Windows-1252). Absent, illisible ou mal formé : `defaut`.
+std::string LitIni(const std::string& fichier, const std::string& section, const std::string& nom,
+                   const std::string& defaut = "");
+int LitIniEntier(const std::string& fichier, const std::string& section, const std::string& nom, int defaut);
+
 }  // namespace rqbase

@@ -1,0 +1,65 @@
+// TTabNomEquiv : les équivalences de noms et de prénoms d'un dossier (".neq", ".preq").
+//
+// Une équivalence réunit des graphies d'un même nom (DUPONT, DUPOND, DUPONS) : une recherche
+// qui les demande cherche chaque graphie du groupe. Chaque fichier est un texte Windows-1252,
+// un groupe par ligne, les graphies séparées par ';' ; une ligne vide ou qui commence par '#'
+// ne compte pas. Les graphies sont gardées sous leur forme d'index (FormatIndex) : ni casse,
+// ni accent, ni particule n'y comptent. Une graphie peut tenir dans plusieurs groupes : ses
+// équivalents sont alors ceux de tous ses groupes.
+//
+// Un fichier absent ne donne aucune équivalence. Un fichier abîmé se lit aussi loin qu'il se
+// peut : une ligne sans deux graphies, ou démesurée, est passée et notée dans Avertissements.
+// Un lien symbolique ou ce qui n'est pas un fichier ordinaire n'est pas lu. Le fichier n'est
+// écrit que par Sauvegarde, qui le remplace d'un coup (jamais à moitié écrit).
+#pragma once
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace rqbase {
+
+class TTabNomEquiv {
+ public:
+  enum class TGenre { Noms = 0, Prenoms = 1 };
+
+  TTabNomEquiv() = default;
+  // Lit les deux fichiers ; un chemin vide n'est pas lu.
+  TTabNomEquiv(const std::string& fichierNoms, const std::string& fichierPrenoms);
+
+  // Les graphies équivalentes à `nom` sous leur forme d'index, la sienne d'abord puis celles
+  // de ses groupes dans l'ordre des fichiers, chacune une fois ; sans équivalence : la seule
+  // forme d'index de `nom`.
+  std::vector<std::string> GetNomEquiv(const std::string& nom, TGenre genre = TGenre::Noms) const;
+
+  // Ajoute un groupe (au moins deux graphies distinctes une fois mises en forme d'index) ;
+  // false sinon, et rien ne change.
+  bool AjouteGroupe(const std::vector<std::string>& noms, TGenre genre);
+  const std::vector<std::vector<std::string>>& Groupes(TGenre genre) const { return Table(genre).Groupes; }
+
+  // Réécrit le fichier du genre ; false si l'écriture a échoué (l'ancien fichier reste).
+  bool Sauvegarde(TGenre genre) const;
+
+  // Les lignes passées à la lecture : "<fichier>, ligne <n> : <raison>".
+  std::vector<std::string> Avertissements;
+
+  // Au-delà, un fichier n'est lu que jusque-là (un texte d'équivalences tient en bien moins).
+  static constexpr size_t kTailleMax = 16u << 20;
+  // Une ligne plus longue est passée.
+  static constexpr size_t kLigneMax = 4096;
+
+ private:
+  struct TTable {
+    std::string Fichier;
+    std::vector<std::vector<std::string>> Groupes;
+    std::unordered_map<std::string, std::vector<size_t>> ParGraphie;  // forme d'index -> groupes
+  };
+  TTable& Table(TGenre genre) { return Tables[static_cast<int>(genre)]; }
+  const TTable& Table(TGenre genre) const { return Tables[static_cast<int>(genre)]; }
+  void Lit(TGenre genre);
+  // Le groupe mis en forme d'index, sans doublon ; moins de deux graphies : vide.
+  static std::vector<std::string> Normalise(const std::vector<std::string>& noms);
+  void Range(TGenre genre, std::vector<std::string> groupe);
+  TTable Tables[2];
+};
+
+}  // namespace rqbase
