@@ -3,10 +3,13 @@
 //
 //   rqbase chercher DOSSIER [--nom N] [--prenoms P] [--soundex] [--sexe S] [--annees A-B]
 //                   [--conjoint-nom N] [--sans-pere] [--sans-mere] [--exclure N...] [--limite K]
+//                   [--equivalences] [--evenement LIBELLE] [--donnee TEXTE]
 //     les personnes qui répondent, chacune une fois, dans l'ordre de l'index ; --json : une
 //     liste de {"numero", "nom", "prenoms", "sexe", "annee_min", "annee_max"} (null pour une
 //     année inconnue). Plusieurs noms s'écrivent séparés par ';', comme dans ajouter-personne ;
-//     un '*' fait un masque.
+//     un '*' fait un masque. --equivalences : chaque nom et prénom aussi sous ses graphies
+//     équivalentes ; --evenement, --donnee : la personne a un fait de ce libellé, de cette
+//     donnée.
 //   rqbase index DOSSIER N
 //     les lignes d'index de la personne N, par identifiant ; --json : une liste de {"id", "nom",
 //     "prenom", "nom_soundex", "prenom_soundex", "annee_min", "annee_max", "rg_nom",
@@ -15,7 +18,12 @@
 //     refait la table de l'index depuis les personnes, puis la mémoire et son fichier (barre de
 //     progression sur un terminal) ; --json : {"personnes", "lignes"}.
 //
+//   rqbase equivalences DOSSIER [--prenoms] [--ajouter "A;B;C"]
+//     les groupes de graphies équivalentes des noms (ou des prénoms), un par ligne ; --ajouter
+//     en écrit un de plus d'abord ; --json : {"groupes": [[...], ...], "avertissements": [...]}.
+//
 // Chercher et lire les lignes ne font que lire : le dossier est ouvert en lecture seule.
+#include <iostream>
 #include <optional>
 #include <set>
 
@@ -23,6 +31,8 @@
 #include "ouverture.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/index/index_personnes.h"
+#include "rqbase/index/noms_equivalents.h"
+#include "rqbase/util/chaines.h"
 #include "rqbase/person/gest_pers.h"
 #include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/storage/gest_fic_pers.h"
@@ -38,8 +48,8 @@ using rqbase::TGestEltIndex;
 using rqbase::TIndexPerson;
 
 struct TOptionsChercher {
-  std::string Chemin, Nom, Prenoms, Sexe = "?", Annees, ConjointNom;
-  bool Soundex = false, SansPere = false, SansMere = false;
+  std::string Chemin, Nom, Prenoms, Sexe = "?", Annees, ConjointNom, Evenement, Donnee;
+  bool Soundex = false, SansPere = false, SansMere = false, Equivalences = false;
   std::vector<long> Exclus;
   long Limite = 0;
 };
@@ -86,38 +96,35 @@ void Chercher(TContexteCli& ctx, const TOptionsChercher& o) {
   if (o.SansMere) rs.Parents += std::string(rs.Parents.empty() ? "" : ";") + "ZPASZDEZMERE";
   rs.Exclus.insert(o.Exclus.begin(), o.Exclus.end());
   rs.Limite = o.Limite;
+  rs.Equivalences = o.Equivalences;
+  rs.Evenement = ArgTexte(o.Evenement, "le fait");
+  rs.DonneeEvenement = ArgTexte(o.Donnee, "la donnée du fait");
+  if (!rs.DonneeEvenement.empty() && rs.Evenement.empty()) rs.Evenement = "*";  // tout fait
 
   auto gest = Ouvre(o.Chemin, true);
   TFicIndexPerson& index = IndexDe(*gest);
-  std::vector<long> numeros;
-  index.Table().RechercheSimple(rs, nullptr, &numeros);
+  std::vector<TGestEltIndex::TLigneResultat> lignes;
+  index.Table().RechercheSimpleLV(rs, lignes);
 
   json liste = json::array();
-  rqbase::TFicPersons* fic = gest->FicPersons();
-  TIndexPerson ligne(&index);
-  for (long no : numeros) {
-    const rqbase::TPerson p(fic, no);
-    std::vector<int> ids;
-    ligne.GetIDIndexByNoPers(no, ids);
-    if (!ids.empty()) ligne.Lecture(ids.back());  // la première ligne de la personne
-    const int amin = ids.empty() ? 0 : ligne.Enreg.AnneeMin, amax = ids.empty() ? 0 : ligne.Enreg.AnneeMax;
+  for (const TGestEltIndex::TLigneResultat& l : lignes) {
     if (ctx.Json) {
-      liste.push_back({{"numero", no},
-                       {"nom", Texte(p.Enreg.Nom)},
-                       {"prenoms", Texte(p.Enreg.Prenoms)},
-                       {"sexe", Texte(Car(p.Enreg.Sexe))},
-                       {"annee_min", Annee(amin)},
-                       {"annee_max", Annee(amax)}});
+      liste.push_back({{"numero", l.Numero},
+                       {"nom", Texte(l.Nom)},
+                       {"prenoms", Texte(l.Prenoms)},
+                       {"sexe", Texte(Car(l.Sexe))},
+                       {"annee_min", Annee(l.AnneeMin)},
+                       {"annee_max", Annee(l.AnneeMax)}});
     } else {
       std::string annees;
-      if (amin != 0 || amax != 0)
-        annees = "\t" + (amin ? std::to_string(amin) : std::string("?")) + "-" +
-                 (amax ? std::to_string(amax) : std::string("?"));
-      Ecrit(std::to_string(no) + "\t" + Car(p.Enreg.Sexe) + "\t" + p.Enreg.Nom + "\t" + p.Enreg.Prenoms + annees);
+      if (l.AnneeMin != 0 || l.AnneeMax != 0)
+        annees = "\t" + (l.AnneeMin ? std::to_string(l.AnneeMin) : std::string("?")) + "-" +
+                 (l.AnneeMax ? std::to_string(l.AnneeMax) : std::string("?"));
+      Ecrit(std::to_string(l.Numero) + "\t" + Car(l.Sexe) + "\t" + l.Nom + "\t" + l.Prenoms + annees);
     }
   }
   if (ctx.Json) return EcritJson(liste);
-  if (numeros.empty()) Ecrit("Aucune personne trouvée.");
+  if (lignes.empty()) Ecrit("Aucune personne trouvée.");
 }
 
 void Lignes(TContexteCli& ctx, const std::string& chemin, long no) {
@@ -152,6 +159,42 @@ void Lignes(TContexteCli& ctx, const std::string& chemin, long no) {
   }
   if (ctx.Json) return EcritJson(liste);
   if (ids.empty()) Ecrit("Aucune ligne d'index pour la personne " + std::to_string(no) + ".");
+}
+
+// Les groupes d'équivalences du dossier ; avec `ajout`, un groupe de plus, écrit d'abord.
+void Equivalences(TContexteCli& ctx, const std::string& chemin, bool prenoms, const std::string& ajout) {
+  using rqbase::TTabNomEquiv;
+  const auto genre = prenoms ? TTabNomEquiv::TGenre::Prenoms : TTabNomEquiv::TGenre::Noms;
+  const std::string groupe = ArgTexte(ajout, "le groupe");
+  auto gest = groupe.empty() ? Ouvre(chemin, true) : OuvrePourEcrire(chemin);
+  TTabNomEquiv* table = gest->TabNomEquiv();
+  if (!table) throw ERqBase("Les équivalences de noms de ce dossier n'ont pas pu être lues.");
+  if (!groupe.empty()) {
+    std::vector<std::string> noms;
+    for (std::string_view n : rqbase::DecoupeElts(groupe, ';')) noms.emplace_back(n);
+    // Refusé avant toute écriture : le fichier reste tel qu'il était.
+    if (!table->AjouteGroupe(noms, genre))
+      throw ERqBase("Un groupe d'équivalences demande au moins deux graphies différentes, séparées par ';'.");
+    if (!table->Sauvegarde(genre)) throw ERqBase("L'écriture des équivalences a échoué : le fichier est resté tel quel.");
+  }
+  json groupes = json::array();
+  for (const std::vector<std::string>& g : table->Groupes(genre)) {
+    json noms = json::array();
+    std::string ligne;
+    for (const std::string& n : g) {
+      noms.push_back(Texte(n));
+      ligne += (ligne.empty() ? "" : ";") + n;
+    }
+    groupes.push_back(noms);
+    if (!ctx.Json) Ecrit(ligne);
+  }
+  json avertissements = json::array();
+  for (const std::string& a : table->Avertissements) {
+    avertissements.push_back(Texte(a));
+    if (!ctx.Json) std::cerr << U("Attention : " + a) << '\n';
+  }
+  if (ctx.Json) return EcritJson({{"groupes", groupes}, {"avertissements", avertissements}});
+  if (groupes.empty()) Ecrit("Aucune équivalence.");
 }
 
 void Reconstruire(TContexteCli& ctx, const std::string& chemin) {
@@ -207,6 +250,11 @@ void AjouteCommandesIndex(CLI::App& app, TContexteCli& ctx) {
   chercher->add_flag("--sans-mere", o.SansMere, U("Seulement les personnes sans mère connue"));
   chercher->add_option("--exclure", o.Exclus, U("Numéros de personnes à écarter"))->check(CLI::PositiveNumber);
   chercher->add_option("--limite", o.Limite, U("Au plus K personnes (0 : toutes)"))->check(CLI::NonNegativeNumber);
+  chercher->add_flag("--equivalences", o.Equivalences,
+                     U("Cherche aussi les graphies équivalentes des noms et des prénoms (.neq, .preq)"));
+  chercher->add_option("--evenement", o.Evenement,
+                       U("Libellé d'un fait que la personne doit avoir ('*' pour un masque)"));
+  chercher->add_option("--donnee", o.Donnee, U("Donnée de ce fait ('*' pour un masque)"));
   chercher->callback([&ctx] { Chercher(ctx, o); });
 
   static std::string chemin, cheminReconstruire;
@@ -217,6 +265,13 @@ void AjouteCommandesIndex(CLI::App& app, TContexteCli& ctx) {
   auto* reconstruire = index->add_subcommand("reconstruire", U("Refait l'index depuis les personnes"));
   reconstruire->add_option("DOSSIER", cheminReconstruire, U("Dossier .rq2 ou fichier .prs"))->required();
   reconstruire->callback([&ctx] { Reconstruire(ctx, cheminReconstruire); });
+  static std::string cheminEquiv, ajout;
+  static bool prenoms = false;
+  auto* equivalences = app.add_subcommand("equivalences", U("Montre ou complète les équivalences de noms du dossier"));
+  equivalences->add_option("DOSSIER", cheminEquiv, U("Dossier .rq2 ou fichier .prs"))->required();
+  equivalences->add_flag("--prenoms", prenoms, U("Les équivalences de prénoms (sinon de noms)"));
+  equivalences->add_option("--ajouter", ajout, U("Un groupe de graphies équivalentes, séparées par ';'"));
+  equivalences->callback([&ctx] { Equivalences(ctx, cheminEquiv, prenoms, ajout); });
   index->callback([&ctx, index, reconstruire] {
     if (index->got_subcommand(reconstruire)) return;
     if (chemin.empty() || no == 0) throw CLI::RequiredError(U("DOSSIER et N"));

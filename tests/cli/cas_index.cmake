@@ -150,3 +150,31 @@ rq_cas(index 26_ajout SORTIE [=[Personne 6 ajoutée.
 ]=] ARGS ajouter-personne Famille --nom "Zola" --prenoms "Émile" --sexe M)
 rq_cas(index 27_ajout_trouve SORTIE [=[6<TAB>M<TAB>Zola<TAB>Émile
 ]=] ARGS chercher Famille --prenoms emile)
+
+# Équivalences de noms : un groupe écrit par la commande, puis la recherche qui les demande.
+rq_cas_action(index 28_equivalence $<TARGET_FILE:rqbase_cli> equivalences Famille --ajouter "Dupuis\;Dupont")
+rq_cas(index 29_equivalences JSON SORTIE [=[{
+  "avertissements": [],
+  "groupes": [
+    [
+      "DUPUIS",
+      "DUPONT"
+    ]
+  ]
+}
+]=] ARGS --json equivalences Famille)
+rq_cas(index 30_sans_equivalences SORTIE [=[4<TAB>F<TAB>Dupuis<TAB>Éloïse
+]=] ARGS chercher Famille --nom dupuis)
+rq_cas(index 31_avec_equivalences SORTIE [=[3<TAB>M<TAB>Dupont;Durand<TAB>Jean Paul
+4<TAB>F<TAB>Dupuis<TAB>Éloïse
+]=] ARGS chercher Famille --nom dupuis --equivalences)
+rq_cas(index 32_groupe_refuse CODE 1 ERREUR [=[rqbase : Un groupe d'équivalences demande au moins deux graphies différentes, séparées par ';'.
+]=] ARGS equivalences Famille --ajouter "Dupuis")
+rq_cas(index 33_sans_prenoms SORTIE [=[Aucune équivalence.
+]=] ARGS equivalences Famille --prenoms)
+# Un fait : libellé, donnée.
+rq_cas(index 34_profession MOTIF SORTIE [=[.*]=] ARGS evenement ajouter Famille 5 PROFESSION --donnee "Tisserand")
+rq_cas(index 35_par_fait SORTIE [=[5<TAB>M<TAB>Martin<TAB>Louis
+]=] ARGS chercher Famille --evenement "prof*" --donnee "tiss*")
+rq_cas(index 36_fait_absent SORTIE [=[Aucune personne trouvée.
+]=] ARGS chercher Famille --evenement NAISSANCE)

@@ -240,11 +240,12 @@ long TGestEltIndex::RemplitLignes(const TRechSimple& rs, std::vector<TLigneResul
     // Toutes les lignes d'une personne portent les mêmes années et le même sexe.
     l.AnneeMin = elt.Enreg.AnneeMin;
     l.AnneeMax = elt.Enreg.AnneeMax;
-    TEnregPersonne e{};
-    if (Personnes && Personnes->LitEnreg(no, e)) {
-      l.Nom.assign(e.Nom, strnlen(e.Nom, sizeof e.Nom));
-      l.Prenoms.assign(e.Prenoms, strnlen(e.Prenoms, sizeof e.Prenoms));
-      l.Sexe = (e.Sexe == 'M' || e.Sexe == 'F') ? e.Sexe : '?';
+    if (Personnes) {
+      // La fiche telle que l'application la montre (une fiche abîmée se lit vide).
+      const TPerson p(Personnes, no);
+      l.Nom = p.Enreg.Nom;
+      l.Prenoms = p.Enreg.Prenoms;
+      l.Sexe = p.Enreg.Sexe;
     } else {
       l.Nom = elt.Enreg.Nom;
       l.Prenoms = elt.Enreg.Prenom;
