@@ -19,6 +19,7 @@
 #include "rqbase/platform/cp1252.h"
 #include "rqbase/platform/dialogue.h"
 #include "rqbase/storage/datamodulebdd.h"
+#include "rqbase/storage/fic_evens.h"
 #include "rqbase/util/erreur.h"
 
 namespace rqbase {
@@ -213,6 +214,66 @@ TEST_F(ImportGedcomTest, AnneesDeLIndexCommeUneReconstructionEntiere) {
   Importe(*h, ged);
   EXPECT_THAT(LignesIndex(*h), HasSubstr("1 MARTIN PIERRE 0-0\n"));
   EXPECT_THAT(LignesIndex(*h), testing::Not(HasSubstr("1820")));
+}
+
+// Les listes de tous les événements lues d'un coup (celles de l'export) sont, événement par
+// événement, celles que la base donne à un seul événement.
+TEST_F(ImportGedcomTest, ListesDesEvenementsLuesDUnCoup) {
+  const std::string ged =
+      "0 HEAD\n1 CHAR UTF-8\n"
+      "0 @I1@ INDI\n1 NAME Pierre /Martin/\n1 BIRT\n2 DATE 12 MAR 1820\n2 SOUR Registre A\n2 SOUR Registre B\n"
+      "2 SOUR Registre C\n2 OBJE\n3 FILE Images/acte1.jpg\n2 OBJE\n3 FILE Images/acte2.jpg\n2 ASSO @I3@\n"
+      "3 RELA Parrain\n2 ASSO @I2@\n1 DEAT\n2 SOUR Registre D\n1 OCCU tisserand\n"
+      "0 @I2@ INDI\n1 NAME Marie /Durand/\n1 BIRT\n2 OBJE\n3 FILE Images/marie.jpg\n"
+      "0 @I3@ INDI\n1 NAME Jean /Martin/\n"
+      "0 TRLR\n";
+  auto g = Cree();
+  Importe(*g, ged);
+  TModuleBDD* bdd = g->ModuleBDD();
+  // Une source détachée (événement 0) n'est la liste de personne.
+  TSource seule(bdd);
+  seule.SetDescriptif("Détachée");
+  ASSERT_TRUE(bdd->EnregistrementSource(&seule));
+  const TListesDesEvens listes(bdd);
+  std::string vu;
+  long evens = 0;
+  for (long no = 1; no <= 3; ++no) {
+    TPerson p(g->FicPersons(), no, true);
+    p.ChargeListes();
+    for (const TEvenementTV& ev : *p.Evens()) {
+      TEvenement::TEnreg e = ev.Enreg;
+      ++evens;
+      bdd->ChargerSourceOfEven(&e);
+      bdd->ChargerIllustrationOfEven(&e);
+      bdd->ChargerPersAssocieeOfEven(&e);
+      size_t i = 0;
+      for (const TSource& s : listes.Sources(e.No)) {
+        EXPECT_EQ(s.No, e.Sources[i++]);
+        EXPECT_EQ(s.Enreg.Descriptif, TSource(bdd, s.No).Enreg.Descriptif);
+        vu += s.Enreg.Descriptif + ";";
+      }
+      EXPECT_EQ(e.Sources[i], 0) << "événement " << e.No;
+      i = 0;
+      for (const TIllustration& ill : listes.Illustrations(e.No)) {
+        EXPECT_EQ(ill.No, e.Illustrations[i++]);
+        vu += ill.Enreg.Chemin + ";";
+      }
+      EXPECT_EQ(e.Illustrations[i], 0) << "événement " << e.No;
+      i = 0;
+      for (const TPersAssociee& pa : listes.PersAssociees(e.No)) {
+        EXPECT_TRUE(pa == e.PersAssociees[i++]);
+        vu += std::to_string(pa.Lien.No) + (pa.LienQualite ? "q;" : ";");
+      }
+      EXPECT_TRUE(e.PersAssociees[i].Vide()) << "événement " << e.No;
+    }
+  }
+  EXPECT_EQ(evens, 4);  // la profession est un événement
+  EXPECT_EQ(vu, "Registre A;Registre B;Registre C;Images/acte1.jpg;Images/acte2.jpg;3q;2;Registre D;Images/marie.jpg;");
+  EXPECT_EQ(listes.Sources(0).size(), 0u);
+  EXPECT_EQ(listes.Sources(999999).size(), 0u);
+  // Sans base ouverte : des listes vides, sans erreur.
+  const TListesDesEvens sansBase(nullptr);
+  EXPECT_EQ(sansBase.PersAssociees(1).size(), 0u);
 }
 
 TEST_F(ImportGedcomTest, FichierAbimeDonneUnRapportEtDesLiensSymetriques) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "rqbase/platform/progression.h"
 #include "rqbase/storage/datamodulebdd.h"
 #include "rqbase/storage/evenement.h"
+#include "rqbase/storage/fic_evens.h"
 #include "rqbase/util/chaines.h"
 
 namespace rqbase {
@@ -119,6 +121,8 @@ class TExport {
   TModuleBDD* Bdd;
   TDefChpsCs* Cat;
   TEcrivain W;
+  // Les sources, illustrations et personnes citées de tous les événements, lues d'un coup.
+  std::unique_ptr<TListesDesEvens> Listes;
   std::vector<bool> Exclus;      // supprimées, ou vivantes exclues
   std::vector<bool> Anonymes;
   std::map<std::pair<long, long>, long> IdFamille;  // (mari, femme) -> numéro de famille
@@ -191,7 +195,7 @@ void TExport::Note(int niveau, long note) {
 }
 
 void TExport::Evenement(int niveau, const TEvenement::TEnreg& e0, TChpCs* chp) {
-  TEvenement::TEnreg e = e0;
+  const TEvenement::TEnreg& e = e0;
   const bool premierLibre = chp->NbMorceaux >= 1 && (chp->SousTagGedCom.empty() || chp->SousTagGedCom[0].empty());
   W.Ligne(niveau, chp->TagGedCom, premierLibre ? Valeur(chp, e.Donnee, 1) : std::string());
   const std::string date = DateRQVersGedcom(e.Date);
@@ -211,21 +215,18 @@ void TExport::Evenement(int niveau, const TEvenement::TEnreg& e0, TChpCs* chp) {
     const std::string v = Valeur(chp, e.Donnee, n);
     if (!tag.empty() && !v.empty()) W.Ligne(niveau + 1, tag, v);
   }
-  if (e.No > 0 && Bdd) {
-    Bdd->ChargerSourceOfEven(&e);
-    for (int i = 0; i < kNbSourcesEven && e.Sources[i] != 0; ++i) {
-      TSource s(Bdd, e.Sources[i]);
+  if (e.No > 0 && Listes) {
+    for (const TSource& s : Listes->Sources(e.No)) {
+      if (s.No == 0) break;  // la liste s'arrête à sa première place vide
       if (!s.Enreg.Descriptif.empty()) W.Ligne(niveau + 1, "SOUR", s.Enreg.Descriptif);
     }
-    Bdd->ChargerIllustrationOfEven(&e);
-    for (int i = 0; i < kNbIllustrationsEven && e.Illustrations[i] != 0; ++i) {
-      TIllustration ill(Bdd, e.Illustrations[i]);
+    for (const TIllustration& ill : Listes->Illustrations(e.No)) {
+      if (ill.No == 0) break;
       if (ill.Enreg.Chemin.empty()) continue;
       W.Ligne(niveau + 1, "OBJE");
       W.Ligne(niveau + 2, "FILE", ill.Enreg.Chemin);
     }
-    Bdd->ChargerPersAssocieeOfEven(&e);
-    for (const TPersAssociee& pa : e.PersAssociees) {
+    for (const TPersAssociee& pa : Listes->PersAssociees(e.No)) {
       if (pa.Vide()) break;
       if (!Existe(pa.Lien.No)) continue;
       W.Renvoi(niveau + 1, "ASSO", 'I', pa.Lien.No);
@@ -348,6 +349,7 @@ std::string TExport::Lance() {
     }
   }
   Familles();
+  if (Bdd) Listes = std::make_unique<TListesDesEvens>(Bdd);
   W.Ligne(0, "HEAD");
   W.Ligne(1, "SOUR", "RQBASE");
   W.Ligne(2, "NAME", "rqbase");

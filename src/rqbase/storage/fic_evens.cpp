@@ -2,6 +2,8 @@
 // anciens fichiers d'enregistrements (lecture seule) dans un dossier de 2009.
 #include "rqbase/storage/fic_evens.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -406,6 +408,91 @@ bool TFicExtEvens::Lecture(long no, TExtEvenement::TEnreg& enreg) {
   if (Ancien) return Ancien->Lit(no, &enreg);
   std::memset(&enreg, 0, sizeof enreg);
   return false;
+}
+
+// ===== TListesDesEvens =====
+
+namespace {
+
+// Un entier de colonne comme les lectures par événement le prennent : nul ou hors des 32 bits, 0.
+long EntierListe(SQLite::Statement& q, int col) {
+  const SQLite::Column c = q.getColumn(col);
+  if (c.isNull()) return 0;
+  const int64_t v = c.getInt64();
+  return v < INT32_MIN || v > INT32_MAX ? 0 : static_cast<long>(v);
+}
+
+}  // namespace
+
+template <typename T>
+bool TListesDesEvens::TParEven<T>::Place(int64_t even, size_t plafond) {
+  if (Evens.empty() || Evens.back() != even) {
+    Evens.push_back(even);
+    Debuts.push_back(Objets.size());
+  }
+  if (Objets.size() - Debuts.back() >= plafond) return false;
+  Objets.emplace_back();
+  return true;
+}
+
+template <typename T>
+TListesDesEvens::TTranche<T> TListesDesEvens::TParEven<T>::De(long noEven) const {
+  if (noEven == 0) return {};
+  const auto it = std::lower_bound(Evens.begin(), Evens.end(), int64_t(noEven));
+  if (it == Evens.end() || *it != noEven) return {};
+  const size_t i = size_t(it - Evens.begin());
+  return {Objets.data() + Debuts[i], Debuts[i + 1] - Debuts[i]};
+}
+
+TListesDesEvens::TTranche<TSource> TListesDesEvens::Sources(long noEven) const {
+  return Sources_.De(noEven);
+}
+TListesDesEvens::TTranche<TIllustration> TListesDesEvens::Illustrations(long noEven) const {
+  return Illustrations_.De(noEven);
+}
+TListesDesEvens::TTranche<TPersAssociee> TListesDesEvens::PersAssociees(long noEven) const {
+  return Citees_.De(noEven);
+}
+
+TListesDesEvens::TListesDesEvens(TModuleBDD* bdd) {
+  if (bdd && bdd->EstOuverte()) {
+    bdd->Protege([&] {
+      // Le même ordre que la liste d'un seul événement (rang, puis numéro), événement par
+      // événement ; une ligne détachée (événement 0) n'est la liste de personne.
+      SQLite::Statement s(bdd->Base(),
+                          "SELECT \"ID_SOURCE\", \"ID_EVEN\", \"TYPE\", \"DESCRIPTIF\" FROM \"Sources\" "
+                          "WHERE \"ID_EVEN\" <> 0 ORDER BY \"ID_EVEN\", \"RANG\", \"ID_SOURCE\"");
+      while (s.executeStep()) {
+        if (!Sources_.Place(s.getColumn(1).getInt64(), kNbSourcesEven)) continue;
+        TSource& source = Sources_.Objets.back();
+        source = TSource(bdd);
+        bdd->GetSource(&source, s);
+      }
+      SQLite::Statement i(bdd->Base(),
+                          "SELECT \"ID_ILLUSTRATION\", \"ID_EVEN\", \"CHEMIN\" FROM \"Illustrations\" "
+                          "WHERE \"ID_EVEN\" <> 0 ORDER BY \"ID_EVEN\", \"RANG\", \"ID_ILLUSTRATION\"");
+      while (i.executeStep()) {
+        if (!Illustrations_.Place(i.getColumn(1).getInt64(), kNbIllustrationsEven)) continue;
+        TIllustration& ill = Illustrations_.Objets.back();
+        ill = TIllustration(bdd);
+        bdd->GetIllustration(&ill, i);
+      }
+      SQLite::Statement c(bdd->Base(),
+                          "SELECT \"ID_EVEN\", \"LienPers_No\", \"LienPers_NivNo\", \"LienQualite\", \"LienParente\" "
+                          "FROM \"PersAssociees\" WHERE \"ID_EVEN\" <> 0 ORDER BY \"ID_EVEN\", \"ID_PERSASSOC\"");
+      while (c.executeStep()) {
+        if (!Citees_.Place(c.getColumn(0).getInt64(), kNbPersAssocieesEven)) continue;
+        const std::string niv = TModuleBDD::TexteColonne(c, 2);
+        TPersAssociee& p = Citees_.Objets.back();
+        p.Lien = TLienPers(EntierListe(c, 1), niv.empty() ? 0 : static_cast<uint8_t>(niv[0]));
+        p.LienQualite = static_cast<int32_t>(EntierListe(c, 3));
+        p.LienParente = static_cast<int32_t>(EntierListe(c, 4));
+      }
+    });
+  }
+  Sources_.Ferme();
+  Illustrations_.Ferme();
+  Citees_.Ferme();
 }
 
 }  // namespace rqbase

@@ -250,6 +250,52 @@ class TFicIllustrations : public TFacade {
   bool LectureIllustration(TIllustration* i);
 };
 
+// Les listes de tous les événements du dossier (sources, illustrations, personnes citées),
+// textes compris, lues en une requête par table : pour qui parcourt tous les événements
+// (l'export), au lieu de trois requêtes par événement et d'une par source ou illustration.
+//
+// Ce qu'un appelant peut tenir pour sûr : la liste d'un événement est celle que
+// ChargerSourceOfEven, ChargerIllustrationOfEven et ChargerPersAssocieeOfEven donneraient
+// (même ordre, 50 au plus), et chaque source ou illustration celle que sa lecture par numéro
+// donnerait. Le numéro 0 et un événement sans liste donnent une liste vide. Une base absente
+// ou fermée donne des listes vides. Ce qui est lu est une photographie : une écriture faite
+// ensuite n'y paraît pas.
+class TListesDesEvens {
+ public:
+  explicit TListesDesEvens(TModuleBDD* bdd);
+
+  // Une liste : des objets contigus (pointeur et nombre).
+  template <typename T>
+  struct TTranche {
+    const T* Debut = nullptr;
+    size_t Nombre = 0;
+    const T* begin() const { return Debut; }
+    const T* end() const { return Debut + Nombre; }
+    size_t size() const { return Nombre; }
+  };
+  TTranche<TSource> Sources(long noEven) const;
+  TTranche<TIllustration> Illustrations(long noEven) const;
+  TTranche<TPersAssociee> PersAssociees(long noEven) const;
+
+ private:
+  // Les objets rangés par événement, les événements en ordre croissant : une recherche
+  // dichotomique trouve la tranche.
+  template <typename T>
+  struct TParEven {
+    std::vector<int64_t> Evens;    // un par tranche, croissants
+    std::vector<size_t> Debuts;    // début de chaque tranche dans Objets (et la fin au bout)
+    std::vector<T> Objets;
+    // Ajoute un objet à l'événement `even` (lignes lues dans l'ordre des événements) ; false
+    // quand l'événement a déjà sa liste pleine.
+    bool Place(int64_t even, size_t plafond);
+    void Ferme() { Debuts.push_back(Objets.size()); }
+    TTranche<T> De(long noEven) const;
+  };
+  TParEven<TSource> Sources_;
+  TParEven<TIllustration> Illustrations_;
+  TParEven<TPersAssociee> Citees_;
+};
+
 // Les débordements d'événements (.evx) : un fichier de 2009 seulement ; dans un dossier
 // actuel les listes d'un événement sont des lignes et cette façade est vide.
 class TFicExtEvens : public TFacade {
