@@ -443,6 +443,9 @@ std::vector<std::pair<long, long>>& TGestEltIndex::TTrouvees::Classees() {
 
 bool TGestEltIndex::CritereLigne(const TRechSimple& rs, const TEnregIndex& e) const {
   if (e.FicheSupprimee == 'O' || e.NoPers <= 0) return false;
+  // Une ligne qui désigne une personne au-delà du fichier n'en trouve aucune (et ne fait pas
+  // grandir la table des personnes trouvées jusqu'à son numéro).
+  if (Personnes && e.NoPers > Personnes->NbEnreg()) return false;
   if (rs.NoPers != -1 && e.NoPers != rs.NoPers) return false;
   if (!((rs.Personnes && e.IsPersonne()) || (rs.Temoins && e.IsTemoin()))) return false;
   char sexe = rs.Sexe;
