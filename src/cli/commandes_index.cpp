@@ -29,6 +29,7 @@
 
 #include "commandes.h"
 #include "ouverture.h"
+#include "validateurs.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/index/index_personnes.h"
 #include "rqbase/index/noms_equivalents.h"
@@ -248,8 +249,8 @@ void AjouteCommandesIndex(CLI::App& app, TContexteCli& ctx) {
   chercher->add_option("--conjoint-nom", o.ConjointNom, U("Nom d'un conjoint"));
   chercher->add_flag("--sans-pere", o.SansPere, U("Seulement les personnes sans père connu"));
   chercher->add_flag("--sans-mere", o.SansMere, U("Seulement les personnes sans mère connue"));
-  chercher->add_option("--exclure", o.Exclus, U("Numéros de personnes à écarter"))->check(CLI::PositiveNumber);
-  chercher->add_option("--limite", o.Limite, U("Au plus K personnes (0 : toutes)"))->check(CLI::NonNegativeNumber);
+  chercher->add_option("--exclure", o.Exclus, U("Numéros de personnes à écarter"))->check(EntierAuMoins(1));
+  chercher->add_option("--limite", o.Limite, U("Au plus K personnes (0 : toutes)"))->check(EntierAuMoins(0));
   chercher->add_flag("--equivalences", o.Equivalences,
                      U("Cherche aussi les graphies équivalentes des noms et des prénoms (.neq, .preq)"));
   chercher->add_option("--evenement", o.Evenement,

@@ -178,3 +178,10 @@ rq_cas(index 35_par_fait SORTIE [=[5<TAB>M<TAB>Martin<TAB>Louis
 ]=] ARGS chercher Famille --evenement "prof*" --donnee "tiss*")
 rq_cas(index 36_fait_absent SORTIE [=[Aucune personne trouvée.
 ]=] ARGS chercher Famille --evenement NAISSANCE)
+# Des valeurs d'options refusées en français.
+rq_cas(index 37_limite_refusee CODE 2 ERREUR [=[rqbase : valeur refusée : -1 n'est pas un entier d'au moins 0
+rqbase --aide pour l'aide.
+]=] ARGS chercher Famille --limite -1)
+rq_cas(index 38_exclure_refuse CODE 2 ERREUR [=[rqbase : valeur refusée : 0 n'est pas un entier d'au moins 1
+rqbase --aide pour l'aide.
+]=] ARGS chercher Famille --exclure 0)

@@ -495,5 +495,36 @@ TEST_F(RechercheTest, CritereDeFaitSurEvenementsEtChampsSimples) {
   EXPECT_FALSE(TGestEltIndex::CompareEvent(sansDate, "DECES", "", 1800, 1900));  // sans année
 }
 
+// Un critère tapé prend la forme même des lignes : un nom long avec un signe ou un blanc avant
+// la coupe à 20 se retrouve par son orthographe, un critère qui ne garde rien (particules,
+// signes) cherche le nom vide, et le nom d'un conjoint se juge sur ses lignes d'index.
+TEST_F(RechercheTest, CriteresALaFormeDesLignes) {
+  const long longNom = Ajoute("Abcdefghijklmnopqrs Tuv", "Jean");
+  const long ditNom = Ajoute("Jean-Pierre (dit Le Grand) Martin", "Luc");
+  const long particule = Ajoute("de", "Marie", 'F');
+  const long femme = Ajoute("Martin (dit Dupont)", "Anne", 'F');
+  const long mari = Ajoute("Roy", "Paul");
+  Marie(femme, mari);
+  EXPECT_EQ(Nom("Abcdefghijklmnopqrs Tuv"), std::vector<long>{longNom});
+  EXPECT_EQ(Nom("Jean-Pierre (dit Le Grand) Martin"), std::vector<long>{ditNom});
+  EXPECT_EQ(Nom("de"), std::vector<long>{particule});
+  EXPECT_EQ(Nom("()"), std::vector<long>{particule});
+  EXPECT_EQ(Nom("de la", "Marie"), std::vector<long>{particule});
+  EXPECT_TRUE(Nom("de", "Jean").empty());
+  TGestEltIndex::TRechSimple rs;
+  rs.NomConjoint = "Martin (dit Dupont)";
+  EXPECT_EQ(Cherche(rs), std::vector<long>{mari});
+  rs.NomConjoint = "Martin (dit Dupond)";
+  EXPECT_TRUE(Cherche(rs).empty());
+  rs.SoundexConjoint = true;
+  EXPECT_EQ(Cherche(rs), std::vector<long>{mari});
+  rs.SoundexConjoint = false;
+  rs.NomConjoint = "MART*";
+  rs.PrenomsConjoint = "anne";
+  EXPECT_EQ(Cherche(rs), std::vector<long>{mari});
+  rs.PrenomsConjoint = "Paul";
+  EXPECT_TRUE(Cherche(rs).empty());
+}
+
 }  // namespace
 }  // namespace rqbase

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "rqbase/index/particules.h"
+#include "rqbase/util/chaines.h"
 #include "rqbase/util/majuscules.h"
 
 namespace rqbase {
@@ -50,6 +51,18 @@ std::string TransformeEnCaractereIndex(const std::string& texte) {
 
 std::string FormatIndex(const std::string& nom) {
   return TransformeEnCaractereIndex(UpperANSIChaineAS(PasseParticule(nom), 2));
+}
+
+std::string CleNomIndex(std::string_view nom) {
+  std::string n = UpperANSIChaineAS(PasseParticule(Trim(nom)), 2);
+  if (n.size() > kLongueurCleIndex) n.resize(kLongueurCleIndex);
+  return Trim(TransformeEnCaractereIndex(n));
+}
+
+std::string ClePrenomCritere(std::string_view prenom) {
+  std::string n = FormatIndex(std::string(prenom));
+  if (n.size() > kLongueurCleIndex) n.resize(kLongueurCleIndex);
+  return Trim(n);
 }
 
 }  // namespace rqbase

@@ -3,7 +3,9 @@
 // Fonctions pures sur du texte Windows-1252, sans état. Toutes mettent en capitales par la
 // table des capitales nues (mode 2 de util/majuscules.h).
 #pragma once
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace rqbase {
 
@@ -27,5 +29,16 @@ std::string TransformeEnCaractereIndex(const std::string& texte);
 // La forme d'index d'un nom tel qu'il est tapé : PasseParticule, capitales nues, puis
 // TransformeEnCaractereIndex. "de la Tour" -> "TOUR".
 std::string FormatIndex(const std::string& nom);
+
+// Les 20 caractères d'une clé d'index.
+constexpr size_t kLongueurCleIndex = 20;
+
+// Un nom de famille (un seul élément) tel qu'une ligne de l'index le garde : blancs ôtés,
+// sans particule, capitales nues, coupé à 20 caractères, nettoyé par TransformeEnCaractereIndex,
+// blancs ôtés. Un critère de nom passe par la même forme, sans quoi un nom de plus de 20
+// caractères qui a un signe ou un blanc avant la coupe ne se retrouverait pas.
+std::string CleNomIndex(std::string_view nom);
+// Un prénom (un seul élément) cherché : FormatIndex, coupé à 20 caractères, blancs ôtés.
+std::string ClePrenomCritere(std::string_view prenom);
 
 }  // namespace rqbase

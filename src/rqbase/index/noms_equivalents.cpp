@@ -16,10 +16,14 @@ TTabNomEquiv::TTabNomEquiv(const std::string& fichierNoms, const std::string& fi
   Lit(TGenre::Prenoms);
 }
 
-std::vector<std::string> TTabNomEquiv::Normalise(const std::vector<std::string>& noms) {
+std::string TTabNomEquiv::Cle(const std::string& nom, TGenre genre) {
+  return genre == TGenre::Noms ? CleNomIndex(nom) : ClePrenomCritere(nom);
+}
+
+std::vector<std::string> TTabNomEquiv::Normalise(const std::vector<std::string>& noms, TGenre genre) {
   std::vector<std::string> groupe;
   for (const std::string& n : noms) {
-    std::string forme = FormatIndex(Trim(n));
+    std::string forme = Cle(n, genre);
     if (!forme.empty() && std::find(groupe.begin(), groupe.end(), forme) == groupe.end())
       groupe.push_back(std::move(forme));
   }
@@ -62,7 +66,7 @@ void TTabNomEquiv::Lit(TGenre genre) {
     }
     std::vector<std::string> noms;
     for (std::string_view n : DecoupeElts(propre, ';')) noms.emplace_back(n);
-    std::vector<std::string> groupe = Normalise(noms);
+    std::vector<std::string> groupe = Normalise(noms, genre);
     if (groupe.empty()) {
       Avertissements.push_back(ou + "moins de deux graphies");
       continue;
@@ -72,7 +76,7 @@ void TTabNomEquiv::Lit(TGenre genre) {
 }
 
 std::vector<std::string> TTabNomEquiv::GetNomEquiv(const std::string& nom, TGenre genre) const {
-  const std::string forme = FormatIndex(nom);
+  const std::string forme = Cle(nom, genre);
   std::vector<std::string> r{forme};
   const TTable& t = Table(genre);
   auto it = t.ParGraphie.find(forme);
@@ -84,7 +88,7 @@ std::vector<std::string> TTabNomEquiv::GetNomEquiv(const std::string& nom, TGenr
 }
 
 bool TTabNomEquiv::AjouteGroupe(const std::vector<std::string>& noms, TGenre genre) {
-  std::vector<std::string> groupe = Normalise(noms);
+  std::vector<std::string> groupe = Normalise(noms, genre);
   if (groupe.empty()) return false;
   Range(genre, std::move(groupe));
   return true;

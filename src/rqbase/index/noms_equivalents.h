@@ -3,8 +3,8 @@
 // Une équivalence réunit des graphies d'un même nom (DUPONT, DUPOND, DUPONS) : une recherche
 // qui les demande cherche chaque graphie du groupe. Chaque fichier est un texte Windows-1252,
 // un groupe par ligne, les graphies séparées par ';' ; une ligne vide ou qui commence par '#'
-// ne compte pas. Les graphies sont gardées sous leur forme d'index (FormatIndex) : ni casse,
-// ni accent, ni particule n'y comptent. Une graphie peut tenir dans plusieurs groupes : ses
+// ne compte pas. Les graphies sont gardées sous leur forme d'index (CleNomIndex,
+// ClePrenomCritere : 20 caractères au plus) : ni casse, ni accent, ni particule n'y comptent. Une graphie peut tenir dans plusieurs groupes : ses
 // équivalents sont alors ceux de tous ses groupes.
 //
 // Un fichier absent ne donne aucune équivalence. Un fichier abîmé se lit aussi loin qu'il se
@@ -56,8 +56,11 @@ class TTabNomEquiv {
   TTable& Table(TGenre genre) { return Tables[static_cast<int>(genre)]; }
   const TTable& Table(TGenre genre) const { return Tables[static_cast<int>(genre)]; }
   void Lit(TGenre genre);
+  // La forme d'une graphie : celle des lignes de l'index pour un nom (CleNomIndex), celle d'un
+  // critère pour un prénom (ClePrenomCritere).
+  static std::string Cle(const std::string& nom, TGenre genre);
   // Le groupe mis en forme d'index, sans doublon ; moins de deux graphies : vide.
-  static std::vector<std::string> Normalise(const std::vector<std::string>& noms);
+  static std::vector<std::string> Normalise(const std::vector<std::string>& noms, TGenre genre);
   void Range(TGenre genre, std::vector<std::string> groupe);
   TTable Tables[2];
 };

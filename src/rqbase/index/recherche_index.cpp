@@ -42,27 +42,6 @@ bool EstSpecial(const std::string& critere, const char* special) {
          (critere.size() == n + 1 && critere.compare(0, n, special) == 0 && critere[n] == 'Z');
 }
 
-// Un critère de nom ou de prénom prêt pour une recherche : texte d'index, son soundex.
-struct TCritere {
-  std::string Texte;
-  char Soundex[kTailleSoundex] = {};
-  bool Vide = true;
-  bool SansValeur = false;  // ZPASZDEZNOM / ZPASZDEZPRENOM
-
-  TCritere(const std::string& texte, const char* special) : Texte(texte) {
-    if (Texte.size() > kLongueurCle && !EstSpecial(Texte, special)) Texte.resize(kLongueurCle);
-    Vide = Texte.empty();
-    SansValeur = EstSpecial(Texte, special);
-    strSoundex(Texte.c_str(), Soundex);
-  }
-  // `texte` et `soundex` : ceux d'une ligne de l'index.
-  bool Repond(const char* texte, const char* soundex, bool avecSoundex) const {
-    if (Vide) return true;
-    if (SansValeur) return texte[0] == 0;
-    if (StrCmpMasque(texte, Texte.c_str()) == 0) return true;
-    return avecSoundex && Soundex[0] != 0 && texte[0] != 0 && StrCmpMasque(soundex, Soundex) == 0;
-  }
-};
 
 // Un élément d'un nom ou de prénoms de fiche, comme CompareNomPrenoms le compare.
 std::string ElementCompare(const std::string& element) {
@@ -119,6 +98,17 @@ std::string FormatCritere(const std::string& critere) {
   return r;
 }
 
+// Un élément tapé d'un critère de nom (`nom`) ou de prénom, dans la forme des lignes de
+// l'index : sans masque, la forme même des lignes (coupe comprise) ; avec, FormatCritere. Tapé
+// mais fait seulement de particules ou de signes, il ne garde rien : c'est alors le nom vide,
+// celui des lignes des personnes dont le nom n'a rien gardé d'autre.
+std::string FormeCritere(const std::string& critere, bool nom) {
+  if (critere.find('*') != std::string::npos) return FormatCritere(critere);
+  std::string forme = nom ? CleNomIndex(critere) : ClePrenomCritere(critere);
+  if (forme.empty() && !Trim(critere).empty()) forme = nom ? kSansNom : kSansPrenom;
+  return forme;
+}
+
 // Les 4 caractères d'un soundex dans un entier (égalité seulement).
 uint32_t CodeSoundex(const char* s) {
   uint32_t c = 0;
@@ -131,6 +121,28 @@ bool CommencePar(const char* texte, const std::string& debut) {
 }
 
 }  // namespace
+
+// Un critère de nom ou de prénom prêt pour une recherche : texte d'index, son soundex.
+struct TGestEltIndex::TCritere {
+  std::string Texte;
+  char Soundex[kTailleSoundex] = {};
+  bool Vide = true;
+  bool SansValeur = false;  // ZPASZDEZNOM / ZPASZDEZPRENOM
+
+  TCritere(const std::string& texte, const char* special) : Texte(texte) {
+    if (Texte.size() > kLongueurCle && !EstSpecial(Texte, special)) Texte.resize(kLongueurCle);
+    Vide = Texte.empty();
+    SansValeur = EstSpecial(Texte, special);
+    strSoundex(Texte.c_str(), Soundex);
+  }
+  // `texte` et `soundex` : ceux d'une ligne de l'index.
+  bool Repond(const char* texte, const char* soundex, bool avecSoundex) const {
+    if (Vide) return true;
+    if (SansValeur) return texte[0] == 0;
+    if (StrCmpMasque(texte, Texte.c_str()) == 0) return true;
+    return avecSoundex && Soundex[0] != 0 && texte[0] != 0 && StrCmpMasque(soundex, Soundex) == 0;
+  }
+};
 
 // --- Masque ---
 
@@ -273,9 +285,9 @@ size_t TGestEltIndex::Recherche(const TRechSimple& rs, TProgression* progression
     const std::string cle = std::string(1, char('0' + int(genre))) + critere;
     auto [it, neuve] = variantes.try_emplace(cle);
     if (neuve) {
-      // Un masque, une valeur spéciale ou un critère vide n'ont pas d'équivalents.
-      const std::string forme = FormatCritere(critere);
+      const std::string forme = FormeCritere(critere, genre == TTabNomEquiv::TGenre::Noms);
       const bool special = EstSpecial(forme, kSansNom) || EstSpecial(forme, kSansPrenom);
+      // Un masque, une valeur spéciale ou un critère vide n'ont pas d'équivalents.
       if (equivalences && !forme.empty() && forme.find('*') == std::string::npos && !special)
         it->second = NomsEquiv->GetNomEquiv(critere, genre);
       else
@@ -525,22 +537,23 @@ bool TGestEltIndex::CriterePersonne(const TRechSimple& rs, long no) {
     if (nbConj < rs.NbConjointsMin || nbEnf < rs.NbEnfantsMin) return false;
   }
   if (conjoint) {
-    // Chaque nom et chaque prénom du critère du conjoint, comme pour la personne : il suffit
-    // qu'un conjoint réponde à un couple.
+    // Chaque nom et chaque prénom du critère du conjoint, jugés sur les lignes d'index du
+    // conjoint comme ceux de la personne sur les siennes : il suffit qu'un conjoint réponde à
+    // un couple.
     std::vector<std::string> nomsC = Elements(rs.NomConjoint, ';');
     std::vector<std::string> prenomsC = Elements(rs.PrenomsConjoint, ' ');
     if (nomsC.empty()) nomsC.push_back("");
     if (prenomsC.empty()) prenomsC.push_back("");
-    for (std::string& n : nomsC) n = FormatCritere(n);
-    for (std::string& n : prenomsC) n = FormatCritere(n);
+    std::vector<TCritere> critNoms, critPrenoms;
+    for (const std::string& n : nomsC) critNoms.emplace_back(FormeCritere(n, true), kSansNom);
+    for (const std::string& n : prenomsC) critPrenoms.emplace_back(FormeCritere(n, false), kSansPrenom);
     bool trouve = false;
     for (int i = 0; i < TPerson::NbConjoints && !trouve; ++i) {
       const long c = p.Enreg.Conjoints[i].No;
       if (c <= 0 || !PersonneValide(c)) continue;
-      const TPerson conj(Personnes, c);
-      for (const std::string& n : nomsC)
-        for (const std::string& pr : prenomsC)
-          if (!trouve && CompareNomPrenoms(conj, n, pr, rs.SoundexConjoint, rs.SoundexConjoint)) trouve = true;
+      for (const TCritere& n : critNoms)
+        for (const TCritere& pr : critPrenoms)
+          if (!trouve && LignesRepondent(c, n, pr, rs.SoundexConjoint)) trouve = true;
     }
     if (!trouve) return false;
   }
@@ -856,6 +869,21 @@ long TGestEltIndex::FindClefIndexOfNoPers(long no) {
   InitClefIndexOfNoPers();
   it = std::lower_bound(ParPersonne.begin(), ParPersonne.end(), cle);
   return it != ParPersonne.end() && (*it >> 32) == uint64_t(no) ? long(*it & 0xFFFFFFFFULL) : -1;
+}
+
+bool TGestEltIndex::LignesRepondent(long no, const TCritere& nom, const TCritere& prenom, bool soundex) {
+  if (no <= 0 || no > INT32_MAX) return false;
+  if (ParPersonneNb != GetNbElt() || ParPersonneUtilise != TailleUtilisee()) InitClefIndexOfNoPers();
+  TEltIndex e;
+  for (auto it = std::lower_bound(ParPersonne.begin(), ParPersonne.end(), uint64_t(no) << 32);
+       it != ParPersonne.end() && (*it >> 32) == uint64_t(no); ++it) {
+    Lit(long(*it & 0xFFFFFFFFULL), e);
+    // Un classement en retard ne donne qu'une ligne d'une autre personne : elle ne compte pas.
+    if (e.Enreg.NoPers != no || e.Enreg.FicheSupprimee == 'O') continue;
+    if (nom.Repond(e.Enreg.Nom, e.Enreg.NomSoundex, soundex) && prenom.Repond(e.Enreg.Prenom, e.Enreg.PrenomSoundex, soundex))
+      return true;
+  }
+  return false;
 }
 
 }  // namespace rqbase

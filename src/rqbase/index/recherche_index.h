@@ -230,6 +230,9 @@ class TGestEltIndex : public TTableTV {
   }
 
  private:
+  struct TCritere;
+  // Une des lignes d'index de la personne `no` répond aux deux critères.
+  bool LignesRepondent(long no, const TCritere& nom, const TCritere& prenom, bool soundex);
   // Remplit Trouvees ; rend le nombre de personnes gardées (limite comprise). `parmi` : seules
   // ces personnes peuvent répondre.
   size_t Recherche(const TRechSimple& rs, TProgression* progression, const std::set<long>* parmi);
