@@ -436,6 +436,9 @@ TEST_F(RechercheTest, LignesDUnePersonneParSonNumero) {
     t.ChercheClefPersNo(no, rangs);
     ASSERT_FALSE(rangs.empty());
     EXPECT_EQ(t.FindClefIndexOfNoPers(no), rangs.front()) << no;
+    std::vector<long> rangs2;
+    t.ChercheClefPersNo2(no, rangs2);
+    EXPECT_EQ(rangs2, rangs) << no;
   }
   EXPECT_EQ(t.FindClefIndexOfNoPers(999), -1);
   EXPECT_EQ(t.FindClefIndexOfNoPers(0), -1);

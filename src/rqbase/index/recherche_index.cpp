@@ -871,16 +871,28 @@ long TGestEltIndex::FindClefIndexOfNoPers(long no) {
   return it != ParPersonne.end() && (*it >> 32) == uint64_t(no) ? long(*it & 0xFFFFFFFFULL) : -1;
 }
 
-bool TGestEltIndex::LignesRepondent(long no, const TCritere& nom, const TCritere& prenom, bool soundex) {
-  if (no <= 0 || no > INT32_MAX) return false;
+void TGestEltIndex::ChercheClefPersNo2(long no, std::vector<long>& rangs) {
+  rangs.clear();
+  if (no <= 0 || no > INT32_MAX) return;
   if (ParPersonneNb != GetNbElt() || ParPersonneUtilise != TailleUtilisee()) InitClefIndexOfNoPers();
   TEltIndex e;
   for (auto it = std::lower_bound(ParPersonne.begin(), ParPersonne.end(), uint64_t(no) << 32);
        it != ParPersonne.end() && (*it >> 32) == uint64_t(no); ++it) {
-    Lit(long(*it & 0xFFFFFFFFULL), e);
+    const long rang = long(*it & 0xFFFFFFFFULL);
+    Lit(rang, e);
     // Un classement en retard ne donne qu'une ligne d'une autre personne : elle ne compte pas.
-    if (e.Enreg.NoPers != no || e.Enreg.FicheSupprimee == 'O') continue;
-    if (nom.Repond(e.Enreg.Nom, e.Enreg.NomSoundex, soundex) && prenom.Repond(e.Enreg.Prenom, e.Enreg.PrenomSoundex, soundex))
+    if (e.Enreg.NoPers == no) rangs.push_back(rang);
+  }
+}
+
+bool TGestEltIndex::LignesRepondent(long no, const TCritere& nom, const TCritere& prenom, bool soundex) {
+  std::vector<long> rangs;
+  ChercheClefPersNo2(no, rangs);
+  TEltIndex e;
+  for (long rang : rangs) {
+    Lit(rang, e);
+    if (e.Enreg.FicheSupprimee != 'O' && nom.Repond(e.Enreg.Nom, e.Enreg.NomSoundex, soundex) &&
+        prenom.Repond(e.Enreg.Prenom, e.Enreg.PrenomSoundex, soundex))
       return true;
   }
   return false;

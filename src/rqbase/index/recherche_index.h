@@ -203,6 +203,9 @@ class TGestEltIndex : public TTableTV {
   // --- Lignes d'une personne ---
   // Les rangs des lignes de la personne (parcours de toute la table).
   void ChercheClefPersNo(long no, std::vector<long>& rangs) const;
+  // Les mêmes rangs, croissants, par le classement des lignes par personne
+  // (InitClefIndexOfNoPers) : sans parcourir la table.
+  void ChercheClefPersNo2(long no, std::vector<long>& rangs);
   // Ôte de la table toutes les lignes de la personne ; rend leur nombre.
   long SupprimeClefPersNo(long no);
   // Prépare FindClefIndexOfNoPers : les lignes classées par personne, faites une fois pour
