@@ -113,6 +113,19 @@ class ImportGedcomTest : public testing::Test {
     return s;
   }
 
+  // La mémoire de l'index, dans son ordre : « nom prénom personne min-max ».
+  static std::vector<std::string> MemoireIndex(TGestFichier& g) {
+    std::vector<std::string> r;
+    TGestEltIndex& t = g.FicIndexPerson()->Table();
+    TEltIndex e;
+    for (long i = 0; i < t.GetNbElt(); ++i) {
+      t.Lit(i, e);
+      r.push_back(std::string(e.Enreg.Nom) + " " + e.Enreg.Prenom + " " + std::to_string(e.Enreg.NoPers) + " " +
+                  std::to_string(e.Enreg.AnneeMin) + "-" + std::to_string(e.Enreg.AnneeMax));
+    }
+    return r;
+  }
+
   essai::TDossierTemp Temp;
   TDialogueFixe Dialogue_{ReponseNon};
 };
@@ -206,6 +219,14 @@ TEST_F(ImportGedcomTest, AnneesDeLIndexCommeUneReconstructionEntiere) {
   EXPECT_THAT(importees, HasSubstr("8 DOUBLE HENRI 1810-1880\n"));
   // La personne sans date a des années estimées, pas inconnues.
   EXPECT_THAT(importees, testing::Not(HasSubstr("4 MARTIN LOUIS 0-0")));
+  // La mémoire faite des lignes écrites est celle que la table redonne, et elle est classée.
+  ASSERT_TRUE(g->FicIndexPerson()->TableChargee());
+  const std::vector<std::string> memoire = MemoireIndex(*g);
+  EXPECT_EQ(memoire.size(), 9u);
+  EXPECT_EQ(memoire.front(), "DOUBLE HENRI 8 1810-1880");
+  EXPECT_EQ(memoire.back(), "VERS ANNE 6 " + importees.substr(importees.find("6 VERS ANNE ") + 12, 9));
+  g->FicIndexPerson()->ReinitTableIndexBis();
+  EXPECT_EQ(MemoireIndex(*g), memoire);
   ASSERT_TRUE(g->FicIndexPerson()->ReinitTableIndex());
   EXPECT_EQ(LignesIndex(*g), importees);
   // Sans estimateur posé, les années restent inconnues, même pour l'import.

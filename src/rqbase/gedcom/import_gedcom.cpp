@@ -881,8 +881,9 @@ void TImport::Lance() {
     anneeMax = Pers[size_t(k)].AnneeMax;
     return true;
   };
-  if (index && index->ReinitTableIndex(nullptr, connues)) {
-    index->ReinitTableIndexBis(nullptr);
+  // La mémoire de l'index se fait des lignes écrites, puis est gardée dans son fichier : la
+  // première ouverture du dossier n'a rien à refaire.
+  if (index && index->ReinitTableIndex(nullptr, connues, true)) {
     Bdd->MAJInfoChps("INDEXNAME", "UPDATED");
     index->SauvegardeFichier();
   }

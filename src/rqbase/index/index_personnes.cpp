@@ -39,6 +39,10 @@ constexpr const char* kColonnes =
     "\"ID\", \"Nom\", \"Prenom\", \"NomSoundex\", \"PrenomSoundex\", \"AnneeMin\", \"AnneeMax\", \"NoPers\", "
     "\"RgNom\", \"RgPrenom\", \"RgPrenomUsuel\", \"TypePersonne\", \"FicheSupprimee\", \"Sexe\"";
 constexpr int kMaxLignesParPersonne = 10;
+constexpr const char* kInsertion =
+    "INSERT INTO \"IndexNomPrenoms\" (\"Nom\", \"Prenom\", \"NomSoundex\", \"PrenomSoundex\", \"AnneeMin\", "
+    "\"AnneeMax\", \"NoPers\", \"RgNom\", \"RgPrenom\", \"RgPrenomUsuel\", \"TypePersonne\", \"FicheSupprimee\", "
+    "\"Sexe\") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
 // Une ligne sérialisée et son décalage dans l'index : la taille qu'un fichier d'index honnête
 // ne dépasse pas, par ligne de la table.
 constexpr int64_t kOctetsParLigneMax = TEltIndex::kTailleMax + 4;
@@ -248,11 +252,7 @@ long TIndexPerson::Enregistrement(long id, TFicIndexPerson* fic, bool nouveau) {
       ID = id;
       return id;
     }
-    SQLite::Statement& a = bdd.Requete(std::string("INSERT INTO \"") + kTable +
-                                       "\" (\"Nom\", \"Prenom\", \"NomSoundex\", \"PrenomSoundex\", \"AnneeMin\", "
-                                       "\"AnneeMax\", \"NoPers\", \"RgNom\", \"RgPrenom\", \"RgPrenomUsuel\", "
-                                       "\"TypePersonne\", \"FicheSupprimee\", \"Sexe\") "
-                                       "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    SQLite::Statement& a = bdd.Requete(kInsertion);
     LieColonnes(a, 1, Enreg);
     ID = long(bdd.PostInTableIndex(a));
     return ID;
@@ -680,7 +680,7 @@ void TFicIndexPerson::SupprimeClef(TPerson* p, bool table) {
 
 // --- Reconstructions ---
 
-bool TFicIndexPerson::ReinitTableIndex(TProgression* progression, const TAnneesConnues& connues) {
+bool TFicIndexPerson::ReinitTableIndex(TProgression* progression, const TAnneesConnues& connues, bool faitMemoire) {
   if (!PeutEcrire()) return false;
   TFicPersons* fic = Contexte->FicPersons();
   if (!fic) return false;
@@ -693,6 +693,11 @@ bool TFicIndexPerson::ReinitTableIndex(TProgression* progression, const TAnneesC
   prog.Maximum(dernier);
   prog.Position(0);
   MarqueModifiee();
+  // La mémoire se fait des lignes au fil de leur écriture : la relire de la table redonnerait
+  // les mêmes (textes exacts dans les deux sens, identifiants rendus par l'insertion).
+  std::unique_ptr<TGestEltIndex> table;
+  if (Memoire || faitMemoire) table = std::make_unique<TGestEltIndex>(dernier + 2, 2000, 92);
+  long ecrites = 0;
 
   {
     // Une seule transaction : un abandon ou une panne laisse la table d'avant entière.
@@ -702,6 +707,9 @@ bool TFicIndexPerson::ReinitTableIndex(TProgression* progression, const TAnneesC
       bdd.Base().exec(std::string("DROP TABLE IF EXISTS \"") + kTable + "\"");
       bdd.Base().exec(SqlCreationTable(*schema));
     });
+    // Une requête préparée pour toutes les lignes, dans la transaction de la reconstruction.
+    SQLite::Statement& ajout = bdd.Protege([&]() -> SQLite::Statement& { return bdd.Requete(kInsertion); });
+    TIndexPerson juge(this);
     for (long no = 1; no <= dernier; ++no) {
       if ((no & 255) == 1) {
         prog.Position(no);
@@ -718,9 +726,13 @@ bool TFicIndexPerson::ReinitTableIndex(TProgression* progression, const TAnneesC
       }
       // La table est neuve : chaque ligne est une ligne neuve, sans rien à reprendre.
       for (const TEnregIndex& ligne : LignesDePersonne(p, anneeMin, anneeMax)) {
-        TIndexPerson neuve(this);
-        neuve.Enreg = ligne;
-        neuve.Enregistrement(0, this, true);
+        const long id = bdd.Protege([&] {
+          LieColonnes(ajout, 1, ligne);
+          return long(bdd.PostInTableIndex(ajout));
+        });
+        ++ecrites;
+        // Ce que ReinitTableIndexBis écarterait en relisant la table.
+        if (table && !juge.EnregFoireux(ligne) && ligne.FicheSupprimee != 'O') table->Ajoute(TEltIndex(ligne, id));
       }
     }
     // Les index de la table se font après ses lignes, d'un seul tri chacun, dans la même
@@ -734,10 +746,25 @@ bool TFicIndexPerson::ReinitTableIndex(TProgression* progression, const TAnneesC
     prog.Position(dernier);
     bloc.Valide();
   }
-  // Une mémoire déjà chargée est refaite tout de suite ; sinon elle se fera de la table neuve
-  // au premier usage (le fichier, lui, est déjà effacé).
-  if (Memoire) ReinitTableIndexBis(progression);
+  // Une mémoire déjà chargée (ou demandée) est refaite tout de suite ; sinon elle se fera de la
+  // table neuve au premier usage (le fichier, lui, est déjà effacé).
+  // Le classement ne montre sa barre qu'au-delà de 20 000 lignes, comme ReinitTableIndexBis.
+  if (table) InstalleMemoire(std::move(table), ecrites > 20000 ? progression : nullptr);
   return true;
+}
+
+void TFicIndexPerson::InstalleMemoire(std::unique_ptr<TGestEltIndex> table, TProgression* prog) {
+  if (prog) prog->Texte("Classement en cours...");
+  TEltIndex a, b;
+  table->Classement(a, b, prog);
+  // Un abandon pendant le classement laisserait une table à demi triée, où la recherche se
+  // tromperait : le classement est alors mené à son terme sans barre.
+  if (prog && prog->Abandon()) table->Classement(a, b, nullptr);
+  Memoire = std::move(table);
+  DuFichier = false;
+  RelieTable();
+  Session = ControleBase();
+  if (PeutEcrire()) Modifiee = true;  // la mémoire refaite sera gardée à la fermeture
 }
 
 void TFicIndexPerson::ReinitTableIndexBis(TProgression* progression) {
@@ -774,16 +801,7 @@ void TFicIndexPerson::ReinitTableIndexBis(TProgression* progression) {
       }
     });
   }
-  if (prog) prog->Texte("Classement en cours...");
-  TEltIndex a, b;
-  table->Classement(a, b, prog);
-  // Un abandon pendant le classement laisserait une table à demi triée, où la recherche se
-  // tromperait : le classement est alors mené à son terme sans barre.
-  if (prog && prog->Abandon()) table->Classement(a, b, nullptr);
-  Memoire = std::move(table);
-  RelieTable();
-  Session = ControleBase();
-  if (PeutEcrire()) Modifiee = true;  // la mémoire refaite sera gardée à la fermeture
+  InstalleMemoire(std::move(table), prog);
 }
 
 }  // namespace rqbase

@@ -102,11 +102,14 @@ class TFicIndexPerson {
   // demander à Fourchette. Elles doivent être celles que Fourchette donnerait.
   using TAnneesConnues = std::function<bool(long no, short& anneeMin, short& anneeMax)>;
 
-  // Refait la table de la base depuis les personnes, puis la mémoire. false si abandonné
-  // (la table est alors partielle : "INDEXNAME" ne doit pas être marqué à jour). `connues`
+  // Refait la table de la base depuis les personnes, puis la mémoire si elle était chargée
+  // ou si `faitMemoire` la demande (elle se fait alors des lignes écrites, comme
+  // ReinitTableIndexBis la ferait de la table, sans relire celle-ci). false si abandonné (la
+  // table d'avant reste entière : "INDEXNAME" ne doit pas être marqué à jour). `connues`
   // épargne l'estimation des personnes dont un import a déjà les années ; sans Fourchette
   // posée, les années restent inconnues, comme sans `connues`.
-  bool ReinitTableIndex(TProgression* progression = nullptr, const TAnneesConnues& connues = nullptr);
+  bool ReinitTableIndex(TProgression* progression = nullptr, const TAnneesConnues& connues = nullptr,
+                        bool faitMemoire = false);
   // Refait la mémoire depuis la table de la base (et efface le fichier).
   void ReinitTableIndexBis(TProgression* progression = nullptr);
   // Vide la mémoire (elle sera relue au prochain usage).
@@ -153,6 +156,8 @@ class TFicIndexPerson {
   void Charge();
   bool ChargeFichier();
   void MarqueModifiee();
+  // La mémoire prend `table` (classée ici) et le contrôle de la base.
+  void InstalleMemoire(std::unique_ptr<TGestEltIndex> table, TProgression* prog);
   TControle ControleBase();
   void RelieTable();
   void EffaceFichier();
