@@ -121,6 +121,11 @@ class TExport {
   TModuleBDD* Bdd;
   TDefChpsCs* Cat;
   TEcrivain W;
+  // Où les faits s'écrivent : le fichier, ou le texte d'une famille mis de côté.
+  TEcrivain* Sortie = &W;
+  // Les faits de chaque couple, écrits quand la fiche du mari est lue (elle a déjà ses
+  // listes) et placés sous la famille à la fin, au lieu de relire le mari.
+  std::vector<std::string> FaitsDeFamille;
   // Les sources, illustrations et personnes citées de tous les événements, lues d'un coup.
   std::unique_ptr<TListesDesEvens> Listes;
   std::vector<bool> Exclus;      // supprimées, ou vivantes exclues
@@ -191,15 +196,15 @@ void TExport::Note(int niveau, long note) {
     const std::string t = n.RecupNoteTxt(n.Liste[i]);
     if (!t.empty()) texte += (texte.empty() ? "" : "\r\n\r\n") + t;
   }
-  if (!texte.empty()) W.Ligne(niveau, "NOTE", texte);
+  if (!texte.empty()) Sortie->Ligne(niveau, "NOTE", texte);
 }
 
 void TExport::Evenement(int niveau, const TEvenement::TEnreg& e0, TChpCs* chp) {
   const TEvenement::TEnreg& e = e0;
   const bool premierLibre = chp->NbMorceaux >= 1 && (chp->SousTagGedCom.empty() || chp->SousTagGedCom[0].empty());
-  W.Ligne(niveau, chp->TagGedCom, premierLibre ? Valeur(chp, e.Donnee, 1) : std::string());
+  Sortie->Ligne(niveau, chp->TagGedCom, premierLibre ? Valeur(chp, e.Donnee, 1) : std::string());
   const std::string date = DateRQVersGedcom(e.Date);
-  if (!date.empty()) W.Ligne(niveau + 1, "DATE", date, {}, true);
+  if (!date.empty()) Sortie->Ligne(niveau + 1, "DATE", date, {}, true);
   if (e.Lieu > 0 || !e.LieuDit.empty()) {
     TLieuGedcom l;
     if (e.Lieu > 0 && Gest.FicLie()) {
@@ -208,35 +213,35 @@ void TExport::Evenement(int niveau, const TEvenement::TEnreg& e0, TChpCs* chp) {
       l.Code = f.Elt.Code;
     }
     l.LieuDit = e.LieuDit;
-    W.Ligne(niveau + 1, "PLAC", ComposeLieuGedcom(l));
+    Sortie->Ligne(niveau + 1, "PLAC", ComposeLieuGedcom(l));
   }
   for (int n = premierLibre ? 2 : 1; n <= chp->NbMorceaux && size_t(n) <= chp->SousTagGedCom.size(); ++n) {
     const std::string& tag = chp->SousTagGedCom[size_t(n - 1)];
     const std::string v = Valeur(chp, e.Donnee, n);
-    if (!tag.empty() && !v.empty()) W.Ligne(niveau + 1, tag, v);
+    if (!tag.empty() && !v.empty()) Sortie->Ligne(niveau + 1, tag, v);
   }
   if (e.No > 0 && Listes) {
     for (const TSource& s : Listes->Sources(e.No)) {
       if (s.No == 0) break;  // la liste s'arrête à sa première place vide
-      if (!s.Enreg.Descriptif.empty()) W.Ligne(niveau + 1, "SOUR", s.Enreg.Descriptif);
+      if (!s.Enreg.Descriptif.empty()) Sortie->Ligne(niveau + 1, "SOUR", s.Enreg.Descriptif);
     }
     for (const TIllustration& ill : Listes->Illustrations(e.No)) {
       if (ill.No == 0) break;
       if (ill.Enreg.Chemin.empty()) continue;
-      W.Ligne(niveau + 1, "OBJE");
-      W.Ligne(niveau + 2, "FILE", ill.Enreg.Chemin);
+      Sortie->Ligne(niveau + 1, "OBJE");
+      Sortie->Ligne(niveau + 2, "FILE", ill.Enreg.Chemin);
     }
     for (const TPersAssociee& pa : Listes->PersAssociees(e.No)) {
       if (pa.Vide()) break;
       if (!Existe(pa.Lien.No)) continue;
-      W.Renvoi(niveau + 1, "ASSO", 'I', pa.Lien.No);
+      Sortie->Renvoi(niveau + 1, "ASSO", 'I', pa.Lien.No);
       std::string qualite;
       if (pa.LienQualite > 0 && Gest.FicQua()) {
         TFicheDupli f(Gest.FicQua(), pa.LienQualite, true);
         std::string region, pays;
         f.Elt.GetVilleRegionPays(qualite, region, pays);
       }
-      if (!qualite.empty()) W.Ligne(niveau + 2, "RELA", qualite);
+      if (!qualite.empty()) Sortie->Ligne(niveau + 2, "RELA", qualite);
     }
   }
   Note(niveau + 1, e.Note);
@@ -244,7 +249,7 @@ void TExport::Evenement(int niveau, const TEvenement::TEnreg& e0, TChpCs* chp) {
 }
 
 void TExport::Simple(int niveau, const TChpsSimple::TEnreg& c, TChpCs* chp) {
-  W.Ligne(niveau, chp->TagGedCom, Trim(c.Donnee));
+  Sortie->Ligne(niveau, chp->TagGedCom, Trim(c.Donnee));
   ++R.Evenements;
 }
 
@@ -270,6 +275,17 @@ void TExport::Personne(long no) {
     Faits(p, [no](const auto& e) { return !(e.NoPersB != 0 && e.NoConjoint(no) != 0); });
     Note(1, p.Enreg.Note);
   }
+  // Les faits des couples dont elle tient la place du mari, pour la famille.
+  if (auto it = Fams2.find(no); it != Fams2.end())
+    for (const long id : it->second) {
+      const TFamille& f = Fams[size_t(id - 1)];
+      if (f.Mari != no || !f.Femme || Anonymes[size_t(f.Mari)] || Anonymes[size_t(f.Femme)]) continue;
+      TEcrivain couple;
+      Sortie = &couple;
+      Faits(p, [&f](const auto& e) { return e.IsCouple(f.Mari, f.Femme); });
+      Sortie = &W;
+      FaitsDeFamille[size_t(id - 1)] = std::move(couple.Texte);
+    }
   if (const long f = Famc[size_t(no)]) W.Renvoi(1, "FAMC", 'F', f);
   if (auto it = Fams2.find(no); it != Fams2.end())
     for (const long f : it->second) W.Renvoi(1, "FAMS", 'F', f);
@@ -304,12 +320,8 @@ void TExport::Famille(long id, const TFamille& f) {
   W.Ligne(0, "FAM", {}, "F" + std::to_string(id));
   if (f.Mari) W.Renvoi(1, "HUSB", 'I', f.Mari);
   if (f.Femme) W.Renvoi(1, "WIFE", 'I', f.Femme);
-  if (f.Mari && f.Femme && !Anonymes[size_t(f.Mari)] && !Anonymes[size_t(f.Femme)]) {
-    TPerson p(Fic);
-    p.Lecture(f.Mari, true);
-    p.ChargeListes();
-    Faits(p, [&f](const auto& e) { return e.IsCouple(f.Mari, f.Femme); });
-  }
+  W.Texte += FaitsDeFamille[size_t(id - 1)];
+  std::string().swap(FaitsDeFamille[size_t(id - 1)]);
   // Les enfants dans l'ordre de la table du père (ou de la mère), qui est celui du dossier.
   std::vector<long> ordre;
   if (const long parent = f.Mari ? f.Mari : f.Femme) {
@@ -350,6 +362,7 @@ std::string TExport::Lance() {
   }
   Familles();
   if (Bdd) Listes = std::make_unique<TListesDesEvens>(Bdd);
+  FaitsDeFamille.assign(Fams.size(), std::string());
   W.Ligne(0, "HEAD");
   W.Ligne(1, "SOUR", "RQBASE");
   W.Ligne(2, "NAME", "rqbase");
@@ -369,13 +382,15 @@ std::string TExport::Lance() {
   for (size_t i = 0; i < Fams.size(); ++i) Famille(long(i + 1), Fams[i]);
   W.Ligne(0, "TRLR");
   // Chaque ligne a été écrite avec un blanc après sa balise : il tombe quand la valeur manque.
-  std::string propre;
-  propre.reserve(W.Texte.size());
-  for (size_t i = 0; i < W.Texte.size(); ++i) {
-    if (W.Texte[i] == ' ' && i + 1 < W.Texte.size() && W.Texte[i + 1] == '\n') continue;
-    propre += W.Texte[i];
+  // Tassé sur place : le texte d'un gros dossier n'est pas recopié une fois de plus.
+  std::string& t = W.Texte;
+  size_t j = 0;
+  for (size_t i = 0; i < t.size(); ++i) {
+    if (t[i] == ' ' && i + 1 < t.size() && t[i + 1] == '\n') continue;
+    t[j++] = t[i];
   }
-  return VersUtf8(propre);
+  t.resize(j);
+  return VersUtf8(t);
 }
 
 }  // namespace
