@@ -157,8 +157,8 @@ rq_cas(index 29_equivalences JSON SORTIE [=[{
   "avertissements": [],
   "groupes": [
     [
-      "DUPUIS",
-      "DUPONT"
+      "Dupuis",
+      "Dupont"
     ]
   ]
 }

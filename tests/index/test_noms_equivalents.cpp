@@ -26,6 +26,7 @@ TEST(NomsEquivalents, FichierTapeALaMain) {
                          std::string("\x01\xff;\0;\n", 6) + "Émile;Emille");
   TTabNomEquiv t(noms, temp.Racine + "/absent.preq");
   EXPECT_EQ(t.Groupes(TGenre::Noms).size(), 4u);
+  EXPECT_EQ(t.Groupes(TGenre::Noms)[0], (TNoms{"Dupont", "Dupond", "DUPONS"}));
   EXPECT_EQ(t.Groupes(TGenre::Prenoms).size(), 0u);
   EXPECT_EQ(t.GetNomEquiv("dupond"), (TNoms{"DUPOND", "DUPONT", "DUPONS", "DUPONTEL"}));
   EXPECT_EQ(t.GetNomEquiv("Dupontel"), (TNoms{"DUPONTEL", "DUPOND", "DUPONT"}));
@@ -38,13 +39,23 @@ TEST(NomsEquivalents, FichierTapeALaMain) {
   EXPECT_NE(t.Avertissements[0].find("ligne 6 : moins de deux graphies"), std::string::npos);
   EXPECT_NE(t.Avertissements[1].find("ligne 7 : ligne trop longue"), std::string::npos);
 
+  // Un groupe ajouté s'écrit à la suite du texte lu, commentaires et lignes passées gardés ;
+  // une graphie que sa forme rendrait autre à une seconde lecture se garde telle que tapée.
+  const std::string avant = essai::Contenu(noms);
+  ASSERT_TRUE(t.AjouteGroupe({"Du C d", "Lafon"}, TGenre::Noms));
+  EXPECT_FALSE(t.AjouteGroupe({"#A", "B"}, TGenre::Noms));
+  EXPECT_FALSE(t.AjouteGroupe({"A\nB", "C"}, TGenre::Noms));
+  ASSERT_TRUE(t.Sauvegarde(TGenre::Noms));
+  EXPECT_EQ(essai::Contenu(noms), avant + "\r\nDu C d;Lafon\r\n");
+  EXPECT_EQ(TTabNomEquiv(noms, "").Groupes(TGenre::Noms), t.Groupes(TGenre::Noms));
+
   // Ajout puis sauvegarde : relu, le même groupe ; un groupe d'une seule graphie est refusé.
   TTabNomEquiv p("", temp.Racine + "/e.preq");
   EXPECT_FALSE(p.AjouteGroupe({"Jean", " jean "}, TGenre::Prenoms));
   ASSERT_TRUE(p.AjouteGroupe({"Jean", "Jehan", "Johan"}, TGenre::Prenoms));
   ASSERT_TRUE(p.Sauvegarde(TGenre::Prenoms));
   EXPECT_FALSE(p.Sauvegarde(TGenre::Noms));  // pas de fichier des noms
-  EXPECT_EQ(essai::Contenu(temp.Racine + "/e.preq"), "JEAN;JEHAN;JOHAN\r\n");
+  EXPECT_EQ(essai::Contenu(temp.Racine + "/e.preq"), "Jean;Jehan;Johan\r\n");  // telles que tapées
   EXPECT_EQ(TTabNomEquiv("", temp.Racine + "/e.preq").GetNomEquiv("Johan", TGenre::Prenoms),
             (TNoms{"JOHAN", "JEAN", "JEHAN"}));
 }

@@ -20,22 +20,25 @@ std::string TTabNomEquiv::Cle(const std::string& nom, TGenre genre) {
   return genre == TGenre::Noms ? CleNomIndex(nom) : ClePrenomCritere(nom);
 }
 
-std::vector<std::string> TTabNomEquiv::Normalise(const std::vector<std::string>& noms, TGenre genre) {
-  std::vector<std::string> groupe;
+TTabNomEquiv::TGroupe TTabNomEquiv::Normalise(const std::vector<std::string>& noms, TGenre genre) {
+  TGroupe groupe;
   for (const std::string& n : noms) {
-    std::string forme = Cle(n, genre);
-    if (!forme.empty() && std::find(groupe.begin(), groupe.end(), forme) == groupe.end())
-      groupe.push_back(std::move(forme));
+    std::string graphie = Trim(n);
+    std::string cle = Cle(graphie, genre);
+    if (cle.empty() || std::find(groupe.Cles.begin(), groupe.Cles.end(), cle) != groupe.Cles.end()) continue;
+    groupe.Graphies.push_back(std::move(graphie));
+    groupe.Cles.push_back(std::move(cle));
   }
-  if (groupe.size() < 2) groupe.clear();
+  if (groupe.Cles.size() < 2) groupe = TGroupe();
   return groupe;
 }
 
-void TTabNomEquiv::Range(TGenre genre, std::vector<std::string> groupe) {
+void TTabNomEquiv::Range(TGenre genre, TGroupe groupe) {
   TTable& t = Table(genre);
   const size_t k = t.Groupes.size();
-  for (const std::string& g : groupe) t.ParGraphie[g].push_back(k);
-  t.Groupes.push_back(std::move(groupe));
+  for (const std::string& c : groupe.Cles) t.ParCle[c].push_back(k);
+  t.Groupes.push_back(std::move(groupe.Graphies));
+  t.Cles.push_back(std::move(groupe.Cles));
 }
 
 void TTabNomEquiv::Lit(TGenre genre) {
@@ -52,7 +55,11 @@ void TTabNomEquiv::Lit(TGenre genre) {
     return;
   }
   texte.resize(size_t(lus));
-  if (size_t(taille) > kTailleMax) Avertissements.push_back(t.Fichier + " : lu jusqu'à 16 Mo seulement");
+  if (size_t(taille) > kTailleMax) {
+    Avertissements.push_back(t.Fichier + " : lu jusqu'à 16 Mo seulement");
+    t.Tronque = true;
+  }
+  t.Texte = texte;
   size_t noLigne = 0;
   for (std::string_view ligne : DecoupeElts(texte, '\n')) {
     ++noLigne;
@@ -66,8 +73,8 @@ void TTabNomEquiv::Lit(TGenre genre) {
     }
     std::vector<std::string> noms;
     for (std::string_view n : DecoupeElts(propre, ';')) noms.emplace_back(n);
-    std::vector<std::string> groupe = Normalise(noms, genre);
-    if (groupe.empty()) {
+    TGroupe groupe = Normalise(noms, genre);
+    if (groupe.Cles.empty()) {
       Avertissements.push_back(ou + "moins de deux graphies");
       continue;
     }
@@ -79,30 +86,44 @@ std::vector<std::string> TTabNomEquiv::GetNomEquiv(const std::string& nom, TGenr
   const std::string forme = Cle(nom, genre);
   std::vector<std::string> r{forme};
   const TTable& t = Table(genre);
-  auto it = t.ParGraphie.find(forme);
-  if (it == t.ParGraphie.end()) return r;
+  auto it = t.ParCle.find(forme);
+  if (it == t.ParCle.end()) return r;
   for (size_t k : it->second)
-    for (const std::string& g : t.Groupes[k])
-      if (std::find(r.begin(), r.end(), g) == r.end()) r.push_back(g);
+    for (const std::string& c : t.Cles[k])
+      if (std::find(r.begin(), r.end(), c) == r.end()) r.push_back(c);
   return r;
 }
 
 bool TTabNomEquiv::AjouteGroupe(const std::vector<std::string>& noms, TGenre genre) {
-  std::vector<std::string> groupe = Normalise(noms, genre);
-  if (groupe.empty()) return false;
+  TGroupe groupe = Normalise(noms, genre);
+  if (groupe.Cles.empty()) return false;
+  // Écrit, le groupe doit se relire tel quel : une ligne, qui ne commence pas comme un
+  // commentaire.
+  for (const std::string& g : groupe.Graphies)
+    if (g.find_first_of("\r\n;") != std::string::npos) return false;
+  if (groupe.Graphies.front()[0] == '#') return false;
+  ++Table(genre).Ajoutes;
   Range(genre, std::move(groupe));
   return true;
 }
 
-bool TTabNomEquiv::Sauvegarde(TGenre genre) const {
-  const TTable& t = Table(genre);
-  if (t.Fichier.empty()) return false;
-  std::string texte;
-  for (const auto& groupe : t.Groupes) {
+bool TTabNomEquiv::Sauvegarde(TGenre genre) {
+  TTable& t = Table(genre);
+  // Un fichier lu en partie ne se réécrit pas : sa fin serait perdue.
+  if (t.Fichier.empty() || t.Tronque) return false;
+  // Le texte lu reste tel quel (commentaires et lignes passées compris) ; les groupes ajoutés
+  // depuis le suivent, une ligne chacun.
+  std::string texte = t.Texte;
+  if (!texte.empty() && texte.back() != '\n') texte += "\r\n";
+  for (size_t k = t.Groupes.size() - t.Ajoutes; k < t.Groupes.size(); ++k) {
+    const auto& groupe = t.Groupes[k];
     for (size_t i = 0; i < groupe.size(); ++i) texte += (i ? ";" : "") + groupe[i];
     texte += "\r\n";
   }
-  return RemplaceFichier(t.Fichier, texte);
+  if (!RemplaceFichier(t.Fichier, texte)) return false;
+  t.Texte = std::move(texte);
+  t.Ajoutes = 0;
+  return true;
 }
 
 }  // namespace rqbase

@@ -3,14 +3,16 @@
 // Une équivalence réunit des graphies d'un même nom (DUPONT, DUPOND, DUPONS) : une recherche
 // qui les demande cherche chaque graphie du groupe. Chaque fichier est un texte Windows-1252,
 // un groupe par ligne, les graphies séparées par ';' ; une ligne vide ou qui commence par '#'
-// ne compte pas. Les graphies sont gardées sous leur forme d'index (CleNomIndex,
-// ClePrenomCritere : 20 caractères au plus) : ni casse, ni accent, ni particule n'y comptent. Une graphie peut tenir dans plusieurs groupes : ses
+// ne compte pas. Les graphies sont gardées telles que tapées (blancs autour ôtés) et comparées
+// sous leur forme d'index (CleNomIndex, ClePrenomCritere : 20 caractères au plus) : ni casse,
+// ni accent, ni particule n'y comptent ; deux graphies de même forme n'en font qu'une. Une graphie peut tenir dans plusieurs groupes : ses
 // équivalents sont alors ceux de tous ses groupes.
 //
 // Un fichier absent ne donne aucune équivalence. Un fichier abîmé se lit aussi loin qu'il se
 // peut : une ligne sans deux graphies, ou démesurée, est passée et notée dans Avertissements.
 // Un lien symbolique ou ce qui n'est pas un fichier ordinaire n'est pas lu. Le fichier n'est
-// écrit que par Sauvegarde, qui le remplace d'un coup (jamais à moitié écrit).
+// écrit que par Sauvegarde, qui garde le texte lu tel quel, y ajoute les groupes nouveaux et le
+// remplace d'un coup (jamais à moitié écrit).
 #pragma once
 #include <string>
 #include <unordered_map>
@@ -31,13 +33,16 @@ class TTabNomEquiv {
   // forme d'index de `nom`.
   std::vector<std::string> GetNomEquiv(const std::string& nom, TGenre genre = TGenre::Noms) const;
 
-  // Ajoute un groupe (au moins deux graphies distinctes une fois mises en forme d'index) ;
-  // false sinon, et rien ne change.
+  // Ajoute un groupe (au moins deux graphies distinctes une fois mises en forme d'index, sans
+  // ';' ni fin de ligne, la première sans '#' en tête) ; false sinon, et rien ne change.
   bool AjouteGroupe(const std::vector<std::string>& noms, TGenre genre);
+  // Les groupes, graphies telles que tapées.
   const std::vector<std::vector<std::string>>& Groupes(TGenre genre) const { return Table(genre).Groupes; }
 
-  // Réécrit le fichier du genre ; false si l'écriture a échoué (l'ancien fichier reste).
-  bool Sauvegarde(TGenre genre) const;
+  // Écrit les groupes ajoutés à la suite du texte lu, gardé tel quel (commentaires, lignes
+  // passées) ; false si l'écriture a échoué (l'ancien fichier reste) ou si le fichier n'a été
+  // lu qu'en partie.
+  bool Sauvegarde(TGenre genre);
 
   // Les lignes passées à la lecture : "<fichier>, ligne <n> : <raison>".
   std::vector<std::string> Avertissements;
@@ -50,8 +55,15 @@ class TTabNomEquiv {
  private:
   struct TTable {
     std::string Fichier;
-    std::vector<std::vector<std::string>> Groupes;
-    std::unordered_map<std::string, std::vector<size_t>> ParGraphie;  // forme d'index -> groupes
+    std::vector<std::vector<std::string>> Groupes;  // telles que tapées
+    std::vector<std::vector<std::string>> Cles;     // leurs formes d'index, dans le même ordre
+    std::unordered_map<std::string, std::vector<size_t>> ParCle;  // forme d'index -> groupes
+    std::string Texte;     // le fichier tel que lu
+    bool Tronque = false;  // lu en partie seulement
+    size_t Ajoutes = 0;    // les derniers groupes, ajoutés depuis la lecture
+  };
+  struct TGroupe {
+    std::vector<std::string> Graphies, Cles;
   };
   TTable& Table(TGenre genre) { return Tables[static_cast<int>(genre)]; }
   const TTable& Table(TGenre genre) const { return Tables[static_cast<int>(genre)]; }
@@ -59,9 +71,9 @@ class TTabNomEquiv {
   // La forme d'une graphie : celle des lignes de l'index pour un nom (CleNomIndex), celle d'un
   // critère pour un prénom (ClePrenomCritere).
   static std::string Cle(const std::string& nom, TGenre genre);
-  // Le groupe mis en forme d'index, sans doublon ; moins de deux graphies : vide.
-  static std::vector<std::string> Normalise(const std::vector<std::string>& noms, TGenre genre);
-  void Range(TGenre genre, std::vector<std::string> groupe);
+  // Le groupe, sans deux graphies de même forme ; moins de deux formes : vide.
+  static TGroupe Normalise(const std::vector<std::string>& noms, TGenre genre);
+  void Range(TGenre genre, TGroupe groupe);
   TTable Tables[2];
 };
 
