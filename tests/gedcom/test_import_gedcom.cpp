@@ -332,6 +332,32 @@ TEST_F(ImportGedcomTest, FichierAbimeDonneUnRapportEtDesLiensSymetriques) {
   LiensSymetriques(*g);
 }
 
+// Les enregistrements partagés qu'aucune ligne importée ne cite sont dits, avec leur texte,
+// même si le fichier lu est rendu avant la fin de l'import.
+TEST_F(ImportGedcomTest, EnregistrementsNonCitesDits) {
+  const std::string ged =
+      "0 HEAD\n"
+      "0 @I1@ INDI\n1 NAME Jean /Martin/\n1 BIRT\n2 SOUR @S1@\n"  // 2-5
+      "0 @S1@ SOUR\n1 TITL Registre cité\n"                        // 6-7
+      "0 @S2@ SOUR\n1 TITL Registre oublié\n"                      // 8-9
+      "0 @N1@ NOTE Note seule\n"                                    // 10
+      "0 TRLR\n";
+  auto g = Cree();
+  auto lu = LitGedcom(ged);
+  const TRapportImport r = ImporteGedcom(*g, *lu);
+  EXPECT_EQ(r.Personnes, 1);
+  EXPECT_EQ(r.Sources, 1);
+  ASSERT_EQ(r.Avertissements.size(), 2u) << Raisons(r).front();
+  EXPECT_EQ(Raisons(r), (std::vector<std::string>{
+                            "8:enregistrement qu'aucune ligne importée ne cite : non importé",
+                            "10:enregistrement qu'aucune ligne importée ne cite : non importé"}));
+  EXPECT_EQ(r.Avertissements[0].Texte, "0 @S2@ SOUR");
+  EXPECT_EQ(r.Avertissements[1].Texte, "0 @N1@ NOTE Note seule");
+  // Le fichier lu a été rendu une fois les personnes écrites.
+  EXPECT_EQ(lu->Arbre, nullptr);
+  EXPECT_TRUE(lu->Lignes.Lignes.empty());
+}
+
 TEST_F(ImportGedcomTest, Le151eEnfantEstDitEtPasEcrit) {
   std::string ged = "0 HEAD\n0 @P@ INDI\n1 NAME Pere /Nombreux/\n1 SEX M\n";
   for (int i = 0; i < 152; ++i) ged += "0 @E" + std::to_string(i) + "@ INDI\n1 NAME E" + std::to_string(i) + " /Nombreux/\n";

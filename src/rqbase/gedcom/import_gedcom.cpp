@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -58,10 +59,14 @@ struct TPers {
   std::vector<int32_t> Conjoints;
   std::vector<int32_t> Enfants;
   std::vector<int32_t> Familles;  // familles où elle est conjoint, pour les faits du couple
-  // Les années de l'index des noms, quand la personne écrite avait naissance et décès notés
-  // exactement : la reconstruction de l'index n'a alors ni à relire ses faits ni à l'estimer.
-  bool AnneesConnues = false;
-  int16_t AnneeMin = 0, AnneeMax = 0;
+};
+
+// Les années de l'index des noms d'une personne écrite, quand elle avait naissance et décès
+// notés exactement : la reconstruction de l'index n'a alors ni à relire ses faits ni à
+// l'estimer.
+struct TAnneesIndex {
+  int16_t Min = 0, Max = 0;
+  bool Connues = false;
 };
 
 struct TFam {
@@ -85,6 +90,9 @@ class TImport {
   }
 
   void Lance();
+  // Appelé quand plus rien ne lit le fichier (toutes les personnes écrites, tout ce qui est à
+  // dire dit), avant l'index des noms : qui possède les lignes et l'arbre peut les rendre.
+  std::function<void()> FichierLu;
 
  private:
   void Avertit(uint32_t i, std::string raison) {
@@ -127,6 +135,7 @@ class TImport {
   std::unordered_map<uint32_t, int32_t> PersDeLigne, FamDeLigne;
   std::unordered_map<std::string, long> Lieux;
   std::vector<bool> Cites;  // enregistrements SOUR, OBJE, NOTE cités au moins une fois
+  std::vector<TAnneesIndex> Annees;  // par personne du fichier
   long Base = 0;
 };
 
@@ -775,9 +784,7 @@ void TImport::EcritPersonne(int32_t k) {
   if (estimation.EstimeAnneesNotees(p.No(), &p)) {
     short amin = 0, amax = 0;
     TIndexPerson::SetAnneeMinAnneeMax(&p, estimation.AnneeNaissance, estimation.AnneeDeces, amin, amax);
-    d.AnneesConnues = true;
-    d.AnneeMin = amin;
-    d.AnneeMax = amax;
+    Annees[size_t(k)] = {amin, amax, true};
   }
 }
 
@@ -855,6 +862,7 @@ void TImport::Lance() {
   // fait refaire à la prochaine ouverture en écriture.
   TFicIndexPerson* index = Gest.FicIndexPerson();
   if (index) Bdd->MAJInfoChps("INDEXNAME", "0");
+  Annees.assign(Pers.size(), TAnneesIndex());
   Bdd->BeginImport();
   for (size_t k = 0; k < Pers.size(); ++k) {
     // Les numéros de 1000 personnes sont donnés et l'en-tête écrit une fois pour elles, au
@@ -874,11 +882,26 @@ void TImport::Lance() {
   // refusée sans bruit, ce qui ne doit pas passer pour un import réussi.
   if (Fic->NbPersEffective() < NoPers(int32_t(Pers.size()) - 1))
     throw ERqBase("Import GEDCOM : des personnes n'ont pas pu être écrites dans le fichier des personnes.");
+  // Les enregistrements partagés que rien ne cite : non importés, et dits.
+  for (const uint32_t i : racines) {
+    const std::string_view tag = A.Tag(i);
+    if ((tag == "SOUR" || tag == "OBJE" || tag == "NOTE" || tag == "SNOTE") && !Cites[i])
+      Avertit(i, "enregistrement qu'aucune ligne importée ne cite : non importé");
+  }
+  // Le fichier ne sert plus : ce que l'import en a tiré est rendu, et ses lignes et son arbre
+  // le sont par qui les possède, avant que la mémoire de l'index prenne leur place.
+  std::vector<TPers>().swap(Pers);
+  std::vector<TFam>().swap(Fams);
+  PersDeLigne = {};
+  FamDeLigne = {};
+  Lieux = {};
+  std::vector<bool>().swap(Cites);
+  if (FichierLu) FichierLu();
   const auto connues = [&](long no, short& anneeMin, short& anneeMax) {
     const long k = no - Base - 1;
-    if (k < 0 || k >= long(Pers.size()) || !Pers[size_t(k)].AnneesConnues) return false;
-    anneeMin = Pers[size_t(k)].AnneeMin;
-    anneeMax = Pers[size_t(k)].AnneeMax;
+    if (k < 0 || k >= long(Annees.size()) || !Annees[size_t(k)].Connues) return false;
+    anneeMin = Annees[size_t(k)].Min;
+    anneeMax = Annees[size_t(k)].Max;
     return true;
   };
   // La mémoire de l'index se fait des lignes écrites, puis est gardée dans son fichier : la
@@ -886,12 +909,6 @@ void TImport::Lance() {
   if (index && index->ReinitTableIndex(nullptr, connues, true)) {
     Bdd->MAJInfoChps("INDEXNAME", "UPDATED");
     index->SauvegardeFichier();
-  }
-  // Les enregistrements partagés que rien ne cite : non importés, et dits.
-  for (const uint32_t i : racines) {
-    const std::string_view tag = A.Tag(i);
-    if ((tag == "SOUR" || tag == "OBJE" || tag == "NOTE" || tag == "SNOTE") && !Cites[i])
-      Avertit(i, "enregistrement qu'aucune ligne importée ne cite : non importé");
   }
   Gest.EcritureEntete();
   Gest.Flush();
@@ -916,6 +933,10 @@ std::unique_ptr<TGedcomLu> LitGedcom(std::string_view octets) {
 TRapportImport ImporteGedcom(TGestFichier& gest, TGedcomLu& lu, TProgression* progression) {
   TRapportImport r = lu.Rapport;
   TImport import(gest, *lu.Arbre, r, progression ? *progression : ProgressionMuette());
+  import.FichierLu = [&lu] {
+    lu.Arbre.reset();
+    lu.Lignes = TLignesGedcom();
+  };
   import.Lance();
   return r;
 }

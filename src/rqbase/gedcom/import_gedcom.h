@@ -41,7 +41,9 @@ struct TGedcomLu {
 // Lit le fichier sans toucher à aucun dossier : ERqBase s'il est illisible. Ainsi un dossier
 // à créer ne l'est qu'une fois le fichier jugé lisible.
 std::unique_ptr<TGedcomLu> LitGedcom(std::string_view octets);
-// Importe un fichier lu ; le rapport rendu est celui de la lecture complété.
+// Importe un fichier lu ; le rapport rendu est celui de la lecture complété. Une fois les
+// personnes écrites, les lignes et l'arbre de `lu` sont rendus (vides) : l'index des noms se
+// refait sans eux en mémoire. Sur une erreur avant ce point, `lu` reste entier.
 TRapportImport ImporteGedcom(TGestFichier& gest, TGedcomLu& lu, TProgression* progression = nullptr);
 // Les deux à la suite.
 TRapportImport ImporteGedcom(TGestFichier& gest, std::string_view octets, TProgression* progression = nullptr);
