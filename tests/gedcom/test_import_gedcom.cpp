@@ -1,6 +1,7 @@
 // Import et export GEDCOM dans un vrai dossier : la famille d'exemple, l'aller-retour, les
 // fichiers abîmés, les limites des tables de liens, les fichiers d'autres programmes.
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <sqlite3.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -295,6 +296,21 @@ TEST_F(ImportGedcomTest, ListesDesEvenementsLuesDUnCoup) {
   // Sans base ouverte : des listes vides, sans erreur.
   const TListesDesEvens sansBase(nullptr);
   EXPECT_EQ(sansBase.PersAssociees(1).size(), 0u);
+
+  // La transaction de lecture d'un long parcours : ouverte, laissée à une transaction déjà
+  // ouverte, refermée à la fin sans rien défaire.
+  sqlite3* h = bdd->Base().getHandle();
+  {
+    const TLectureSuivie lecture(bdd);
+    EXPECT_EQ(sqlite3_get_autocommit(h), 0);
+    { const TLectureSuivie dedans(bdd); }
+    EXPECT_EQ(sqlite3_get_autocommit(h), 0);
+    seule.SetDescriptif("Changée pendant la lecture");
+    ASSERT_TRUE(bdd->EnregistrementSource(&seule));
+  }
+  EXPECT_EQ(sqlite3_get_autocommit(h), 1);
+  EXPECT_EQ(TSource(bdd, seule.No).Enreg.Descriptif, "Changée pendant la lecture");
+  { const TLectureSuivie sansBase2(nullptr); }
 }
 
 TEST_F(ImportGedcomTest, FichierAbimeDonneUnRapportEtDesLiensSymetriques) {

@@ -130,6 +130,7 @@ class TExport {
   std::unique_ptr<TListesDesEvens> Listes;
   std::vector<bool> Exclus;      // supprimées, ou vivantes exclues
   std::vector<bool> Anonymes;
+  std::vector<char> Sexes;  // 'M', 'F' ou autre, lu au premier passage : un conjoint n'est pas relu
   std::map<std::pair<long, long>, long> IdFamille;  // (mari, femme) -> numéro de famille
   std::vector<TFamille> Fams;
   std::vector<long> Famc;                          // par personne
@@ -163,8 +164,8 @@ void TExport::Familles() {
     // n'est pas une femme) tient la place du mari.
     for (const TLienConj& c : p.Enreg.Conjoints) {
       if (!Existe(c.No) || c.No <= no) continue;
-      TPerson q(Fic, c.No);
-      if (p.EstHomme() || q.EstFemme() || (!p.EstFemme() && !q.EstHomme()))
+      const bool qHomme = Sexes[size_t(c.No)] == 'M', qFemme = Sexes[size_t(c.No)] == 'F';
+      if (p.EstHomme() || qFemme || (!p.EstFemme() && !qHomme))
         famille(no, c.No);
       else
         famille(c.No, no);
@@ -338,14 +339,18 @@ void TExport::Famille(long id, const TFamille& f) {
 }
 
 std::string TExport::Lance() {
+  // Un seul état de la base lu d'un bout à l'autre, sans reprendre son verrou à chaque requête.
+  const TLectureSuivie lecture(Bdd);
   const long n = Fic ? Fic->NbPersEffective() : 0;
   Exclus.assign(size_t(n) + 1, false);
   Anonymes.assign(size_t(n) + 1, false);
+  Sexes.assign(size_t(n) + 1, 0);
   Exclus[0] = true;
   {
     TPerson p(Fic);
     for (long no = 1; no <= n; ++no) {
       p.Lecture(no);
+      Sexes[size_t(no)] = p.EstHomme() ? 'M' : p.EstFemme() ? 'F' : '?';
       if (p.FicheSupprimee()) {
         Exclus[size_t(no)] = true;
         continue;

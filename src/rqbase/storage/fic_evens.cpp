@@ -3,6 +3,7 @@
 #include "rqbase/storage/fic_evens.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <sqlite3.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -493,6 +494,23 @@ TListesDesEvens::TListesDesEvens(TModuleBDD* bdd) {
   Sources_.Ferme();
   Illustrations_.Ferme();
   Citees_.Ferme();
+}
+
+// ===== TLectureSuivie =====
+
+TLectureSuivie::TLectureSuivie(TModuleBDD* bdd) {
+  if (!bdd || !bdd->EstOuverte() || sqlite3_get_autocommit(bdd->Base().getHandle()) == 0) return;
+  bdd->Protege([&] { bdd->Requete("BEGIN").exec(); });
+  Bdd = bdd;
+}
+
+TLectureSuivie::~TLectureSuivie() {
+  if (!Bdd) return;
+  try {
+    if (Bdd->EstOuverte() && sqlite3_get_autocommit(Bdd->Base().getHandle()) == 0) Bdd->Requete("COMMIT").exec();
+  } catch (...) {
+    // Un destructeur ne lève pas ; une lecture n'a rien à perdre.
+  }
 }
 
 }  // namespace rqbase

@@ -296,6 +296,21 @@ class TListesDesEvens {
   TParEven<TPersAssociee> Citees_;
 };
 
+// Une transaction de lecture autour d'un long parcours de la base (l'export) : chaque
+// requête ne reprend ni ne rend le verrou de la base, et tout ce qui est lu vient du même
+// état. Sans effet quand une transaction est déjà ouverte ou que la base est absente ou
+// fermée. La fin valide sans rien défaire : ce qui aurait été écrit entre-temps reste écrit.
+class TLectureSuivie {
+ public:
+  explicit TLectureSuivie(TModuleBDD* bdd);
+  ~TLectureSuivie();
+  TLectureSuivie(const TLectureSuivie&) = delete;
+  TLectureSuivie& operator=(const TLectureSuivie&) = delete;
+
+ private:
+  TModuleBDD* Bdd = nullptr;  // non nul quand la transaction est à nous
+};
+
 // Les débordements d'événements (.evx) : un fichier de 2009 seulement ; dans un dossier
 // actuel les listes d'un événement sont des lignes et cette façade est vide.
 class TFicExtEvens : public TFacade {
