@@ -129,17 +129,27 @@ void GregorienDeJdn(int jdn, int& j, int& m, int& a) {
   a = 100 * b + d - 4800 + mm / 10;
 }
 
+// Chaque date d'un import passe ici : les chiffres sont posés à la main (snprintf en faisait
+// une part visible), un nombre négatif garde la forme de printf.
 std::string Deux(int n) {
   if (n == 0) return "..";
-  char b[8];
-  std::snprintf(b, sizeof b, "%02d", n % 100);
-  return b;
+  n %= 100;
+  if (n < 0) {
+    char b[8];
+    std::snprintf(b, sizeof b, "%02d", n);
+    return b;
+  }
+  return {char('0' + n / 10), char('0' + n % 10)};
 }
 
 std::string Quatre(int n) {
-  char b[8];
-  std::snprintf(b, sizeof b, "%04d", n % 10000);
-  return b;
+  n %= 10000;
+  if (n < 0) {
+    char b[8];
+    std::snprintf(b, sizeof b, "%04d", n);
+    return b;
+  }
+  return {char('0' + n / 1000), char('0' + n / 100 % 10), char('0' + n / 10 % 10), char('0' + n % 10)};
 }
 
 // Le texte du dossier d'une date simple, et son calendrier.
