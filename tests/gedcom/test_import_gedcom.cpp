@@ -230,6 +230,14 @@ TEST_F(ImportGedcomTest, AnneesDeLIndexCommeUneReconstructionEntiere) {
   EXPECT_EQ(MemoireIndex(*g), memoire);
   ASSERT_TRUE(g->FicIndexPerson()->ReinitTableIndex());
   EXPECT_EQ(LignesIndex(*g), importees);
+  // Le même fichier importé une seconde fois : ses personnes suivent celles du dossier (9 à
+  // 16), et leurs années vont bien à leurs numéros.
+  Importe(*g, ged);
+  const std::string deuxFois = LignesIndex(*g);
+  EXPECT_THAT(deuxFois, HasSubstr("9 MARTIN PIERRE 1820-1890\n"));
+  EXPECT_THAT(deuxFois, HasSubstr("16 DOUBLE HENRI 1810-1880\n"));
+  ASSERT_TRUE(g->FicIndexPerson()->ReinitTableIndex());
+  EXPECT_EQ(LignesIndex(*g), deuxFois);
   // Sans estimateur posé, les années restent inconnues, même pour l'import.
   auto h = Cree("SansEstimation");
   h->FicIndexPerson()->Fourchette = nullptr;
