@@ -185,3 +185,8 @@ rqbase --aide pour l'aide.
 rq_cas(index 38_exclure_refuse CODE 2 ERREUR [=[rqbase : valeur refusée : 0 n'est pas un entier d'au moins 1
 rqbase --aide pour l'aide.
 ]=] ARGS chercher Famille --exclure 0)
+# Un nom fait seulement de particules ou de signes cherche les personnes sans nom : ici la
+# fiche 1, réservée par la création et vide, que la reconstruction a indexée comme toute fiche
+# non supprimée.
+rq_cas(index 39_particules_seules SORTIE [=[1<TAB>?<TAB><TAB>
+]=] ARGS chercher Famille --nom "de la")

@@ -177,16 +177,34 @@ TEST_F(IndexTest, IdentifiantsReprisEtMemoireEgaleALaTable) {
   EXPECT_EQ(Memoire(), (std::vector<std::string>{"ZOLA/JEAN/2", "ZOLA/PIERRE/2"}));
 }
 
-TEST_F(IndexTest, SansMemoireChargeeSeuleLaTableChangeEtLeFichierPart) {
+// Une modification faite avant que la mémoire ne serve charge d'abord le fichier s'il vaut : la
+// mémoire suit, et le fichier, effacé pendant la session, revient à la fermeture. Sans fichier
+// qui vaille, seule la table change et la mémoire se fait d'elle au premier usage.
+TEST_F(IndexTest, ModificationAvantUsageSuitLeFichierQuiVaut) {
   Ajoute("Dupont", "Jean");
   Ferme();
   ASSERT_TRUE(std::filesystem::exists(Prx()));
   Rouvre();  // mémoire pas encore chargée
   const long b = Ajoute("Martin", "Luc");
-  EXPECT_FALSE(Index->TableChargee());
+  EXPECT_TRUE(Index->TableChargee());
+  EXPECT_TRUE(Index->ChargeeDuFichier());
   EXPECT_FALSE(std::filesystem::exists(Prx()));  // il ne dit plus la vérité : effacé
   EXPECT_EQ(Table(b).size(), 1u);
   EXPECT_EQ(Memoire(), (std::vector<std::string>{"DUPONT/JEAN/2", "MARTIN/LUC/3"}));
+  Ferme();
+  ASSERT_TRUE(std::filesystem::exists(Prx()));  // réécrit avec la personne ajoutée
+  Rouvre();
+  EXPECT_EQ(Memoire(), (std::vector<std::string>{"DUPONT/JEAN/2", "MARTIN/LUC/3"}));
+  EXPECT_TRUE(Index->ChargeeDuFichier());
+  Ferme();
+
+  essai::Ecrit(Prx(), "abîmé");
+  Rouvre();
+  const long c = Ajoute("Roy", "Paul");
+  EXPECT_FALSE(Index->TableChargee());
+  EXPECT_FALSE(std::filesystem::exists(Prx()));
+  EXPECT_EQ(Table(c).size(), 1u);
+  EXPECT_EQ(Memoire(), (std::vector<std::string>{"DUPONT/JEAN/2", "MARTIN/LUC/3", "ROY/PAUL/4"}));
   EXPECT_FALSE(Index->ChargeeDuFichier());
 }
 

@@ -465,6 +465,16 @@ void TFicIndexPerson::EffaceFichier() {
   if (fs::is_regular_file(fs::symlink_status(CheminOs(chemin), ec))) fs::remove(CheminOs(chemin), ec);
 }
 
+void TFicIndexPerson::SuitLeFichier() {
+  // Avant la première modification d'une session, un fichier qui vaut est chargé : la mémoire
+  // suit alors les modifications et le fichier est réécrit à la fermeture. Sans cela, la
+  // première modification l'effacerait et chaque lecture suivante referait la mémoire depuis la
+  // table (secondes à un million de personnes), jusqu'à une reconstruction. Sans fichier qui
+  // vaille, seule la table change et la mémoire se fera depuis elle au premier usage.
+  if (Modifiee || Memoire) return;
+  if (ChargeFichier()) DuFichier = true;
+}
+
 void TFicIndexPerson::MarqueModifiee() {
   if (Modifiee) return;
   // Effacé avant la première écriture : un arrêt brutal ne laisse pas un fichier que la
@@ -556,9 +566,7 @@ void TFicIndexPerson::ModifClef(TPerson* p, bool inutilise) {
     return;
   }
   if (!PeutEcrire()) return;
-  // La mémoire n'est pas chargée pour une écriture : si elle ne l'est pas encore, seule la
-  // table change (le fichier, effacé, ne la contredit plus) et la mémoire se fera depuis elle
-  // au premier usage. Une commande qui ajoute une personne ne lit ni n'écrit le fichier.
+  SuitLeFichier();
   TGestEltIndex* table = Memoire.get();
   TModuleBDD& bdd = *Contexte->ModuleBDD();
 
@@ -664,6 +672,7 @@ void TFicIndexPerson::ModifClef(TPerson* p, bool inutilise) {
 
 void TFicIndexPerson::SupprimeClef(TPerson* p, bool table) {
   if (!p || p->No() <= 0 || !PeutEcrire()) return;
+  SuitLeFichier();
   MarqueModifiee();
   if (table) {
     TModuleBDD& bdd = *Contexte->ModuleBDD();

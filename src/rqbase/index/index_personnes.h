@@ -155,6 +155,7 @@ class TFicIndexPerson {
   bool PeutEcrire() const;
   void Charge();
   bool ChargeFichier();
+  void SuitLeFichier();
   void MarqueModifiee();
   // La mémoire prend `table` (classée ici) et le contrôle de la base.
   void InstalleMemoire(std::unique_ptr<TGestEltIndex> table, TProgression* prog);
