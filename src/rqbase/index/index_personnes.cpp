@@ -510,9 +510,7 @@ std::vector<TEnregIndex> TFicIndexPerson::LignesDePersonne(TPerson& p, short ann
   std::vector<TTexte> noms, prenoms;
   const std::string nomFiche(p.Enreg.Nom, strnlen(p.Enreg.Nom, sizeof p.Enreg.Nom));
   for (std::string_view brut : DecoupeElts(nomFiche, ';')) {
-    std::string n = UpperANSIChaineAS(PasseParticule(Trim(brut)), 2);
-    if (n.size() > 20) n.resize(20);
-    n = Trim(rqbase::TransformeEnCaractereIndex(n));
+    const std::string n = CleNomIndex(brut);
     if (n.empty()) continue;
     TTexte t{n, {}};
     strSoundex(t.Texte.c_str(), t.Soundex);
