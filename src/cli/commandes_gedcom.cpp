@@ -18,6 +18,7 @@
 
 #include "commandes.h"
 #include "ouverture.h"
+#include "validateurs.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/gedcom/export_gedcom.h"
 #include "rqbase/gedcom/import_gedcom.h"
@@ -152,7 +153,7 @@ void AjouteCommandesGedcom(CLI::App& app, TContexteCli& ctx) {
   exporter->add_option("DOSSIER", o.Dossier, U("Dossier .rq2 ou fichier .prs"))->required();
   exporter->add_option("FICHIER", o.Fichier, U("Fichier GEDCOM à écrire"))->required();
   exporter->add_option("--vivants", o.Vivants, U("exclure ou anonymiser les personnes vivantes"))
-      ->check(CLI::IsMember({"exclure", "anonymiser"}));
+      ->check(UneValeurParmi({"exclure", "anonymiser"}));
   exporter->add_flag("--remplacer", o.Remplacer, U("Remplace le fichier s'il existe"));
   exporter->callback([&ctx] { Exporter(ctx, o); });
 }

@@ -79,6 +79,6 @@ rq_cas(gedcom 11_relire JSON SORTIE [=[{
   "sources": 4
 }
 ]=] ARGS --json importer export.ged Copie --creer)
-rq_cas(gedcom 12_vivants_inconnu CODE 2 ERREUR [=[rqbase : valeur refusée : tous not in {exclure,anonymiser}
+rq_cas(gedcom 12_vivants_inconnu CODE 2 ERREUR [=[rqbase : valeur refusée : la valeur doit être exclure ou anonymiser
 rqbase --aide pour l'aide.
 ]=] ARGS exporter Famille autre.ged --vivants tous)
