@@ -76,6 +76,19 @@ TEST(LecteurLignes, SautsDeNiveauEtLignesIllisibles) {
   EXPECT_EQ(r.Rapport.Avertissements[1].Raison, "ligne illisible : elle ne commence pas par un niveau");
   EXPECT_EQ(r.Rapport.Avertissements[2].Raison, "référence illisible");
   EXPECT_EQ(r.Rapport.Avertissements[3].Raison, "ligne sans balise");
+  // Les sous-lignes d'une tête illisible partent avec elle, jusqu'à la ligne suivante de même
+  // niveau : elles ne vont pas à l'enregistrement d'avant.
+  const TLu tete = Lit(
+      "0 @I1@ INDI\n1 NAME Un /A/\n0 @I2 INDI\n1 NAME Deux /B/\n1 BIRT\n2 DATE 1900\n2 CONC x\n"
+      "0 @I3@ INDI\n1 @X BIRT\n2 DATE 1901\n1 DEAT\n");
+  EXPECT_EQ(tete.Lignes, (std::vector<std::string>{"0|I1|INDI|", "1||NAME|Un /A/", "0|I3|INDI|", "1||DEAT|"}));
+  ASSERT_EQ(tete.Rapport.Avertissements.size(), 7u);
+  const std::vector<std::pair<long, bool>> attendus = {{3, false}, {4, true}, {5, true}, {6, true},
+                                                       {7, true},  {9, false}, {10, true}};
+  for (size_t k = 0; k < attendus.size(); ++k) {
+    EXPECT_EQ(tete.Rapport.Avertissements[k].Ligne, attendus[k].first);
+    EXPECT_EQ(tete.Rapport.Avertissements[k].Raison == "ligne sautée : sa ligne de tête est illisible", attendus[k].second) << k;
+  }
   // Rien de GEDCOM : refus, sans ligne.
   const TLu vide = Lit(std::string("\x7f" "ELF\x02\x01\x01\0\0\0", 10));
   EXPECT_TRUE(vide.Lignes.empty());

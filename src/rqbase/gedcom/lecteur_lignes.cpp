@@ -1,5 +1,7 @@
 #include "rqbase/gedcom/lecteur_lignes.h"
 
+#include <algorithm>
+
 #include "rqbase/platform/cp1252.h"
 
 namespace rqbase {
@@ -44,6 +46,7 @@ class TDecoupeur {
 // Les parties d'une ligne déjà en Windows-1252 ; false avec la raison si elle est illisible.
 struct TParties {
   long Niveau = 0;
+  bool NiveauLu = false;  // vrai dès que le niveau est lu, même si la suite est illisible
   std::string_view Xref, Tag, Valeur;
 };
 
@@ -56,6 +59,7 @@ bool Decoupe(std::string_view l, TParties& p, std::string& raison) {
     raison = "ligne illisible : elle ne commence pas par un niveau";
     return false;
   }
+  p.NiveauLu = true;
   while (i < l.size() && Blanc(l[i])) ++i;
   if (i < l.size() && l[i] == '@') {
     const size_t fin = l.find('@', i + 1);
@@ -163,6 +167,9 @@ TLignesGedcom LitLignesGedcom(std::string_view octets, TRapportImport& r, std::s
   std::string ligne;
   long no = 0;
   int dernierNiveau = -1;
+  // Le niveau d'une ligne illisible dont le niveau se lit : ses sous-lignes (plus profondes)
+  // sont sautées avec elle, sans quoi elles iraient à l'enregistrement précédent. -1 : aucune.
+  long niveauIllisible = -1;
   while (d.Suivante(brute)) {
     ++no;
     bool entier = true;
@@ -180,7 +187,16 @@ TLignesGedcom LitLignesGedcom(std::string_view octets, TRapportImport& r, std::s
     if (!Decoupe(ligne, p, raison)) {
       if (res.Lignes.empty() && no > 1000) break;  // rien de GEDCOM dans le début du fichier
       r.Avertit(no, ligne, raison);
+      if (p.NiveauLu && (niveauIllisible < 0 || p.Niveau <= niveauIllisible))
+        niveauIllisible = std::min<long>(p.Niveau, dernierNiveau + 1);
       continue;
+    }
+    if (niveauIllisible >= 0) {
+      if (p.Niveau > niveauIllisible) {
+        r.Avertit(no, ligne, "ligne sautée : sa ligne de tête est illisible");
+        continue;
+      }
+      niveauIllisible = -1;
     }
     if (!entier) r.Avertit(no, ligne, "caractère sans équivalent en Windows-1252, remplacé par « ? » ou sans son accent");
     long niveau = p.Niveau;
