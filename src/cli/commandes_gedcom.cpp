@@ -7,11 +7,13 @@
 //     {"personnes", "familles", "evenements", "lieux", "sources", "medias", "notes",
 //     "avertissements": [{"ligne", "texte", "raison"}]}.
 //     Un fichier illisible sort avec le code 1 et un message, avant qu'aucun dossier soit
-//     créé ou touché ; un import qui échoue dans un dossier créé par --creer l'efface.
+//     créé ou touché ; un import qui échoue dans un dossier créé par --creer l'efface, et
+//     dans un dossier qui existait, il est défait : le dossier revient tel qu'il était.
 //   rqbase exporter DOSSIER FICHIER.ged [--vivants exclure|anonymiser] [--remplacer]
 //     écrit le dossier en GEDCOM 5.5.1 UTF-8 ; un fichier existant n'est remplacé qu'avec
 //     --remplacer, et d'un seul coup. --json : {"personnes", "familles", "evenements",
 //     "sans_balise", "vivants"}.
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -63,6 +65,71 @@ std::string PrsACreer(const std::string& nom) {
   return (p / (p.stem().string() + ".prs")).string();
 }
 
+// La copie des fichiers d'un dossier, faite avant qu'un import s'y ajoute. Un import qui
+// échoue au milieu (disque plein...) a déjà écrit des personnes dont les liens visent des
+// personnes à venir, des faits dans la base, des lieux : plutôt que de défaire chaque fichier
+// à sa façon, chaque fichier reprend sa copie, et le dossier revient à l'octet près tel qu'il
+// était. La copie va à côté du dossier (même disque : les remises sont des renommages) ; une
+// copie laissée par un import interrompu n'est jamais écrasée. Seuls les fichiers ordinaires
+// du dossier sont copiés : l'import n'écrit ni dans ses sous-dossiers ni au bout d'un lien.
+class TCopieDeSecours {
+ public:
+  explicit TCopieDeSecours(const fs::path& dossier) : Dossier(dossier), Copie(dossier.string() + ".~import") {
+    std::error_code ec;
+    if (fs::exists(fs::symlink_status(Copie, ec)))
+      throw ERqBase("\"" + rqbase::CheminInterne(Copie) +
+                    "\" existe déjà (copie laissée par un import interrompu ?) : l'import n'est pas lancé, rien n'a changé.");
+    if (!fs::create_directory(Copie, ec) || ec)
+      throw ERqBase("La copie de sécurité du dossier n'a pas pu être créée : l'import n'est pas lancé, rien n'a changé.");
+    Cree = true;
+    for (const fs::directory_entry& e : fs::directory_iterator(Dossier, ec)) {
+      const fs::file_status st = e.symlink_status(ec);
+      if (ec || !fs::is_regular_file(st)) continue;
+      const fs::path cible = Copie / e.path().filename();
+      const auto taille = fs::file_size(e.path(), ec);
+      if (ec || !fs::copy_file(e.path(), cible, ec) || ec || fs::file_size(cible, ec) != taille || ec)
+        throw ERqBase("La copie de sécurité du dossier n'a pas pu être écrite en entier (disque plein ?) : "
+                      "l'import n'est pas lancé, rien n'a changé.");
+      Noms.push_back(e.path().filename());
+    }
+    if (ec) throw ERqBase("Le dossier n'a pas pu être lu pour sa copie de sécurité : l'import n'est pas lancé, rien n'a changé.");
+  }
+  ~TCopieDeSecours() {
+    std::error_code ec;
+    if (Cree) fs::remove_all(Copie, ec);
+  }
+  TCopieDeSecours(const TCopieDeSecours&) = delete;
+  TCopieDeSecours& operator=(const TCopieDeSecours&) = delete;
+
+  // Le dossier tel qu'il était, une fois fermé : les fichiers nés pendant l'import (journal de
+  // la base...) sont ôtés, les autres reprennent leur copie. false si une remise a échoué : la
+  // copie reste alors en place pour l'utilisateur.
+  bool Restaure() {
+    std::error_code ec;
+    std::vector<fs::path> nes;
+    for (const fs::directory_entry& e : fs::directory_iterator(Dossier, ec)) {
+      const fs::file_status st = e.symlink_status(ec);
+      if (!ec && fs::is_regular_file(st) &&
+          std::find(Noms.begin(), Noms.end(), e.path().filename()) == Noms.end())
+        nes.push_back(e.path());
+    }
+    bool ok = !ec;
+    for (const fs::path& p : nes) ok = fs::remove(p, ec) && ok;
+    for (const fs::path& nom : Noms) {
+      fs::rename(Copie / nom, Dossier / nom, ec);
+      ok = ok && !ec;
+    }
+    if (!ok) Cree = false;  // rien n'est effacé de ce qui peut encore servir
+    return ok;
+  }
+  std::string NomCopie() const { return rqbase::CheminInterne(Copie); }
+
+ private:
+  fs::path Dossier, Copie;
+  std::vector<fs::path> Noms;
+  bool Cree = false;
+};
+
 json Rapport(const rqbase::TRapportImport& r) {
   json avert = json::array();
   for (const auto& a : r.Avertissements)
@@ -81,6 +148,7 @@ void Importer(TContexteCli& ctx, const TOptionsGedcom& o) {
   std::string().swap(octets);
 
   std::unique_ptr<TGestFichier> gest;
+  std::unique_ptr<TCopieDeSecours> copie;
   if (o.Creer) {
     const std::string prs = PrsACreer(Arg(o.Dossier));
     gest = std::make_unique<TGestFichier>(prs, true, false, false, false, 0, rqbase::mcFormulaire, false);
@@ -93,6 +161,11 @@ void Importer(TContexteCli& ctx, const TOptionsGedcom& o) {
       throw ERqBase("Le dossier \"" + Arg(o.Dossier) + "\" n'a pas pu être créé.");
     }
   } else {
+    // La copie se fait avant l'ouverture, qui elle-même peut écrire ; un dossier que
+    // l'ouverture refuse (introuvable, verrouillé par un autre programme) n'est pas remis.
+    const std::string prs = CheminPrs(Arg(o.Dossier));
+    if (rqbase::FichierExiste(prs) && !DossierEnLectureSeule(prs))
+      copie = std::make_unique<TCopieDeSecours>(rqbase::CheminOs(fs::path(prs).parent_path().string()));
     gest = OuvrePourEcrire(o.Dossier, true);
   }
   rqbase::TRapportImport r;
@@ -100,10 +173,26 @@ void Importer(TContexteCli& ctx, const TOptionsGedcom& o) {
     TProgressionTerminal progression;
     r = rqbase::ImporteGedcom(*gest, *lu, &progression);
     VerifieEcriture(*gest, "l'import est incomplet.");
-  } catch (...) {
+  } catch (const std::exception& e) {
     // Un dossier que cette commande a créé ne reste pas à moitié rempli.
-    if (o.Creer) gest->SupprimeDossier();
-    throw;
+    if (o.Creer) {
+      gest->SupprimeDossier();
+      throw;
+    }
+    if (!copie) throw;
+    // Dans un dossier qui existait, l'import est défait en entier, fermé d'abord.
+    gest.reset();
+    std::string cause = e.what();
+    cause = cause.substr(0, cause.find('\n'));
+    if (!copie->Restaure())
+      throw ERqBase("L'import a échoué (" + cause + ") et le dossier n'a pas pu être remis en état : sa copie d'avant l'import est dans \"" +
+                    copie->NomCopie() + "\".");
+    throw ERqBase("L'import a échoué (" + cause + ") : il a été défait, le dossier est tel qu'avant l'import.");
+  }
+  if (copie) {
+    // Le dossier est fermé avant que la copie s'efface : tout est sur le disque.
+    gest.reset();
+    copie.reset();
   }
   if (ctx.Json) return EcritJson(Rapport(r));
   Ecrit("Import de " + fichier + " (" + r.Codage + (r.Version.empty() ? "" : ", GEDCOM " + r.Version) + ")");

@@ -82,3 +82,18 @@ rq_cas(gedcom 11_relire JSON SORTIE [=[{
 rq_cas(gedcom 12_vivants_inconnu CODE 2 ERREUR [=[rqbase : valeur refusée : la valeur doit être exclure ou anonymiser
 rqbase --aide pour l'aide.
 ]=] ARGS exporter Famille autre.ged --vivants tous)
+# Un import qui échoue au milieu (la taille des fichiers bornée : le disque « plein ») dans un
+# dossier qui existait est défait : chaque fichier du dossier revient à l'octet près, et le
+# message le dit sans renvoyer à un menu.
+rq_cas_action(gedcom 13_import_defait sh ${rq_gedcom_donnees}/import_defait.sh $<TARGET_FILE:rqbase_cli> Famille)
+rq_cas(gedcom 14_apres_import_defait JSON SORTIE [=[{
+  "avertissements": [],
+  "evenements": 17,
+  "familles": 3,
+  "lieux": 0,
+  "medias": 0,
+  "notes": 1,
+  "personnes": 8,
+  "sources": 2
+}
+]=] ARGS --json importer famille_exemple.ged Famille)
