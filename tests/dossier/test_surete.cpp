@@ -117,6 +117,24 @@ TEST_F(SureteTest, LEnregistrementPrecedeLeCompteQuiLeCouvre) {
   EXPECT_STREQ(TPerson(g->FicPersons(), 3).Enreg.Nom, "Gardee");
 }
 
+// Créé sans première personne, un dossier a tout de même la fiche de son numéro réservé : la
+// lire ne met pas le dossier en erreur, et les écritures qui suivent passent.
+TEST_F(SureteTest, NumeroReserveDUnDossierNeufSeLitSansErreur) {
+  {
+    TGestFichier g(Temp.Prs(), true, false, false, false, 0);
+    ASSERT_FALSE(g.EnErreur());
+  }
+  EXPECT_EQ(std::filesystem::file_size(Temp.Prs()), 2u * 644u);
+  auto g = Ouvre();
+  ASSERT_EQ(g->FicPersons()->NbPersEffective(), 1);
+  TPerson un(g->FicPersons(), 1);
+  EXPECT_FALSE(g->EnErreur());
+  EXPECT_STREQ(un.Enreg.Nom, "");
+  EXPECT_EQ(AjoutePersonne(*g, "Suivante"), 2);
+  EXPECT_FALSE(g->EcritureRatee());
+  EXPECT_FALSE(g->EnErreur());
+}
+
 TEST_F(SureteTest, FichiersHostilesNiSuivisNiAttendus) {
   CreeAvec(3);
   const std::string d = Temp.Dossier() + "/";

@@ -353,6 +353,12 @@ void TGestFichier::CreeDans(int premierePersonne, const std::string& prsDefiniti
     Persons->EcritEnreg(no, enreg);
     // Place du Sosa 1 du fichier .sst, quand TFicSosas sera là.
     asNoStradoCujus = 1;
+  } else {
+    // Le numéro réservé a sa fiche sur le disque, vierge, avant que l'en-tête ne le compte :
+    // sans elle, la lire ne rendrait aucun octet, lèverait le drapeau d'erreur du dossier, et
+    // toute écriture suivante de la session serait refusée.
+    const TEnregPersonne vierge{};
+    Persons->EcritEnreg(no, vierge);
   }
   // La première personne reçoit le champ d'origine des données, et entre dans l'index des
   // noms, fait d'emblée : la clé le dit (la première ouverture n'a rien à reconstruire).
