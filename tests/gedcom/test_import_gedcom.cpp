@@ -382,6 +382,52 @@ TEST_F(ImportGedcomTest, EnregistrementsNonCitesDits) {
   EXPECT_TRUE(lu->Lignes.Lignes.empty());
 }
 
+// Ce qui n'est pas lu sous une date, un lieu, une citation, un média, une personne citée ou
+// une note, ce qu'un enregistrement cité a de plus que ce que le dossier garde, un doublon de
+// date, de lieu ou de personne citée, les faits d'une famille sans couple, une valeur coupée :
+// chaque ligne est dite, avec son numéro, et rien d'autre ne l'est.
+TEST_F(ImportGedcomTest, RienNEstLaisseSansEtreDit) {
+  const std::string longue(1 << 20, 'x');
+  const std::string ged =
+      "0 HEAD\n"                                                                     // 1
+      "0 @I1@ INDI\n1 NAME Jean /Martin/\n1 FAMC @F2@\n2 PEDI birth\n"                // 2-5
+      "1 BIRT\n2 DATE 1 JAN 1800\n3 TIME 10:00\n2 DATE 2 FEB 1801\n"                  // 6-9
+      "2 PLAC Lyon\n3 MAP\n4 LATI N45.75\n2 PLAC Paris\n"                            // 10-13
+      "2 SOUR @S1@\n3 PAGE p. 4\n3 QUAY 3\n3 DATA\n4 TEXT acte\n3 NOTE de citation\n"  // 14-19
+      "2 OBJE\n3 FILE photo.jpg\n4 FORM jpg\n3 TITL Acte\n"                          // 20-23
+      "2 ASSO @I2@\n3 RELA Parrain\n3 NOTE de l'association\n2 ASSO @I2@\n3 ROLE WITN\n"  // 24-28
+      "2 NOTE Note naissance\n3 SOUR @S1@\n"                                         // 29-30
+      "1 OCCU " + longue + "\n"                                                      // 31
+      "1 DEAT\n2 SOUR @S1@\n"                                                        // 32-33
+      "0 @I2@ INDI\n1 NAME Paul /Temoin/\n1 FAMS @F1@\n"                             // 34-36
+      "0 @F1@ FAM\n1 HUSB @I2@\n1 MARR\n2 DATE 1850\n1 NOTE sans couple\n"           // 37-41
+      "0 @F2@ FAM\n1 HUSB @I2@\n1 CHIL @I1@\n2 _FREL Natural\n"                       // 42-45
+      "0 @S1@ SOUR\n1 TITL Registre\n1 PUBL Archives\n1 TEXT transcription\n"         // 46-49
+      "1 NOTE de la source\n1 REPO @R9@\n"                                           // 50-51
+      "0 TRLR\n";
+  auto g = Cree();
+  const TRapportImport r = Importe(*g, ged);
+  EXPECT_EQ(r.Personnes, 2);
+  std::vector<long> lignes;
+  for (const auto& a : r.Avertissements) lignes.push_back(a.Ligne);
+  EXPECT_EQ(lignes, (std::vector<long>{5, 8, 9, 11, 12, 13, 16, 17, 18, 19, 22, 23, 26, 27, 28, 30, 31, 37, 39, 40,
+                                       41, 45, 48, 49, 50, 51}))
+      << testing::PrintToString(Raisons(r));
+  const std::vector<std::string> raisons = Raisons(r);
+  for (const char* attendu : {"9:deuxième date de l'événement : la première est gardée",
+                              "13:deuxième lieu de l'événement : le premier est gardé",
+                              "27:personne déjà citée dans l'événement : non importée",
+                              "39:fait d'une famille dont le couple n'est pas écrit : non importé"})
+    EXPECT_THAT(raisons, testing::Contains(std::string(attendu)));
+  EXPECT_THAT(raisons, testing::Contains(HasSubstr("31:valeur coupée à 100 caractères")));
+  // Les premières date et lieu sont gardés, la source citée deux fois n'est dite qu'une fois.
+  const std::string jean = Decrit(*g, 1);
+  EXPECT_THAT(jean, HasSubstr("01/01/1800# Lyon///"));
+  EXPECT_THAT(jean, HasSubstr("source:Registre, p. 4 citée:2 note:"));
+  // La famille de Paul seul n'a donné aucun lien ; celle de Jean en a donné un.
+  EXPECT_EQ(r.Familles, 1);
+}
+
 TEST_F(ImportGedcomTest, Le151eEnfantEstDitEtPasEcrit) {
   std::string ged = "0 HEAD\n0 @P@ INDI\n1 NAME Pere /Nombreux/\n1 SEX M\n";
   for (int i = 0; i < 152; ++i) ged += "0 @E" + std::to_string(i) + "@ INDI\n1 NAME E" + std::to_string(i) + " /Nombreux/\n";
@@ -466,12 +512,14 @@ TEST_F(ImportGedcomTest, Gedcom7NotesPartageesEtRenvoisVides) {
   EXPECT_EQ(Decrit(*g, 1),
             "Martin|Zoë|0|F|0,0||\n  NAISSANCE #  G1850/1860#  [] [] 1+0 note:Note partagée\n  note:Note partagée\n");
   const std::vector<std::string> raisons = Raisons(r);
-  // ASSO et sa ligne ROLE sont dits ; @VOID@ (personne, dit exprès) ne l'est pas.
+  // ASSO et sa ligne ROLE sont dits ; @VOID@ (personne, dit exprès) ne l'est pas, mais la
+  // famille qui n'a plus que son enfant ne donne aucun lien, et c'est dit.
   EXPECT_EQ(raisons, (std::vector<std::string>{
                          "11:personne associée hors d'un événement : non importée (le dossier cite les personnes "
                          "dans ses événements)",
                          "12:personne associée hors d'un événement : non importée (le dossier cite les personnes "
-                         "dans ses événements)"}));
+                         "dans ses événements)",
+                         "14:famille d'un seul membre : aucun lien à écrire"}));
 }
 
 TEST_F(ImportGedcomTest, VivantsExclusOuAnonymises) {

@@ -77,6 +77,7 @@ struct TFam {
   // Les faits du couple, faits au premier conjoint écrit et repris au second.
   std::vector<TEvenement::TEnreg> Evens;
   std::vector<TChpsSimple::TEnreg> Chps;
+  std::vector<uint32_t> LignesEvens, LignesChps;  // leurs lignes, pour le rapport
   int Ecrits = 0;
 };
 
@@ -103,11 +104,26 @@ class TImport {
     const uint32_t fin = A.Fin(i);
     for (uint32_t j = i; j < fin; ++j) Avertit(j, raison);
   }
+  // Les sous-lignes de i dont la balise n'est pas dans `lues`, dites non importées (elles et
+  // leurs propres sous-lignes).
+  void AvertitNonLues(uint32_t i, std::initializer_list<std::string_view> lues, const std::string& raison) {
+    A.Enfants(i, [&](uint32_t j) {
+      if (std::find(lues.begin(), lues.end(), A.Tag(j)) == lues.end()) AvertitTout(j, raison);
+    });
+  }
+  // Un enregistrement partagé (SOUR, OBJE, NOTE) cité pour la première fois : ce qui n'en est
+  // pas lu est dit une fois, et non à chaque citation.
+  bool PremiereCitation(int64_t l) {
+    if (Cites[size_t(l)]) return false;
+    Cites[size_t(l)] = true;
+    return true;
+  }
   int32_t Personne(uint32_t i, std::string_view valeur);
   int32_t Famille(uint32_t i, std::string_view valeur);
   void LitFamilles();
   void ControleFamc();
   void LieFamilles();
+  void AvertitFaitsSansCouple(const TFam& f);
   void RetireCycles();
   void EcritPersonne(int32_t k);
   void LitNom(uint32_t i, TPerson& p, bool premier);
@@ -116,7 +132,8 @@ class TImport {
   void FaitSimple(uint32_t i, TChpCs* chp, long noA, long noB, TChpsSimple::TEnreg& c);
   long Lieu(std::string_view plac, uint32_t i, std::string& lieuDit);
   std::string TexteNote(uint32_t i);
-  long EcritNote(const std::string& texte);
+  // La note écrite (0 sans texte) ; `i` est la ligne dite si elle doit être coupée.
+  long EcritNote(const std::string& texte, uint32_t i);
   void AjouteSource(uint32_t i, TEvenement::TEnreg& e);
   void AjouteMedia(uint32_t i, TEvenement::TEnreg& e);
   void AjouteCitee(uint32_t i, TEvenement::TEnreg& e);
@@ -164,6 +181,7 @@ void TImport::LitFamilles() {
   for (TFam& f : Fams) {
     A.Enfants(f.Ligne, [&](uint32_t j) {
       const std::string_view tag = A.Tag(j);
+      if (tag == "HUSB" || tag == "WIFE" || tag == "CHIL") AvertitNonLues(j, {}, "précision du lien de famille non importée");
       if (tag == "HUSB" || tag == "WIFE") {
         const int32_t k = Personne(j, A.Valeur(j));
         if (k < 0) return;
@@ -226,9 +244,9 @@ void TImport::LieFamilles() {
     }
     if (f.Mari < 0 && f.Femme < 0 && f.Enfants.empty()) {
       Avertit(f.Ligne, "famille sans membre : non importée");
+      AvertitFaitsSansCouple(f);
       continue;
     }
-    ++R.Familles;
     if (f.Mari >= 0 && f.Femme >= 0) {
       TPers& m = Pers[size_t(f.Mari)];
       TPers& w = Pers[size_t(f.Femme)];
@@ -244,6 +262,7 @@ void TImport::LieFamilles() {
         f.CoupleLie = true;
       }
     }
+    bool lienEcrit = f.CoupleLie;
     for (const int32_t e : f.Enfants) {
       TPers& enfant = Pers[size_t(e)];
       if (e == f.Mari || e == f.Femme) {
@@ -264,13 +283,25 @@ void TImport::LieFamilles() {
         }
         p.Enfants.push_back(e);
         (pere ? enfant.Pere : enfant.Mere) = parent;
+        lienEcrit = true;
       }
     }
+    // Une famille compte au rapport si elle a donné au moins un lien.
+    if (lienEcrit) ++R.Familles;
+    else Avertit(f.Ligne, "famille d'un seul membre : aucun lien à écrire");
     if (f.CoupleLie) {
       Pers[size_t(f.Mari)].Familles.push_back(int32_t(&f - Fams.data()));
       Pers[size_t(f.Femme)].Familles.push_back(int32_t(&f - Fams.data()));
+    } else {
+      AvertitFaitsSansCouple(f);
     }
   }
+}
+
+// Les faits d'une famille vont au couple : sans couple écrit (un seul conjoint, 151e
+// conjoint), ils n'ont où aller.
+void TImport::AvertitFaitsSansCouple(const TFam& f) {
+  AvertitNonLues(f.Ligne, {"HUSB", "WIFE", "CHIL"}, "fait d'une famille dont le couple n'est pas écrit : non importé");
 }
 
 // Un parent qui descend de son enfant ferait boucler toute remontée : le lien qui ferme le
@@ -332,21 +363,24 @@ TChpCs* TImport::ChampDe(uint32_t i, bool couple) {
 std::string TImport::TexteNote(uint32_t i) {
   const std::string_view v = A.Valeur(i);
   const std::string_view x = TArbreGedcom::Pointeur(v);
+  AvertitNonLues(i, {}, "précision de la note non importée");
   if (x.empty()) return std::string(v);
   const int64_t l = A.Cherche("NOTE", x);
   if (l < 0) {
     Avertit(i, "renvoi vers une note absente du fichier");
     return {};
   }
-  Cites[size_t(l)] = true;
+  if (PremiereCitation(l)) AvertitNonLues(uint32_t(l), {}, "précision de la note non importée");
   return std::string(A.Valeur(uint32_t(l)));
 }
 
-long TImport::EcritNote(const std::string& texte) {
+long TImport::EcritNote(const std::string& texte, uint32_t i) {
   TFicNotes* fic = Gest.FicNotes();
   if (!fic || texte.empty()) return 0;
   TNote note(fic, 0);
-  std::string copie = texte.substr(0, size_t(TFicNotes::BlocsMaxParNote) * 507);
+  const size_t place = size_t(TFicNotes::BlocsMaxParNote) * 507;
+  if (texte.size() > place) Avertit(i, "note trop longue pour le fichier des notes : coupée");
+  std::string copie = texte.substr(0, place);
   note.ModifNote(kTitreNote, copie);
   if (note.NoFiche > 0) ++R.Notes;
   return note.NoFiche;
@@ -376,27 +410,33 @@ void TImport::AjouteSource(uint32_t i, TEvenement::TEnreg& e) {
   if (const std::string_view x = TArbreGedcom::Pointeur(texte); !x.empty()) {
     const int64_t l = A.Cherche("SOUR", x);
     if (l < 0) {
-      Avertit(i, "renvoi vers une source absente du fichier");
+      AvertitTout(i, "renvoi vers une source absente du fichier");
       return;
     }
-    Cites[size_t(l)] = true;
     const auto s = uint32_t(l);
     texte = std::string(A.ValeurEnfant(s, "TITL"));
-    if (texte.empty()) texte = std::string(A.ValeurEnfant(s, "ABBR"));
+    const bool parAbbr = texte.empty();
+    if (parAbbr) texte = std::string(A.ValeurEnfant(s, "ABBR"));
     if (texte.empty()) texte = std::string(A.Valeur(s));
     if (const std::string_view auteur = A.ValeurEnfant(s, "AUTH"); !auteur.empty()) texte = Joint(texte, auteur);
+    // Le dossier garde d'une source son descriptif : titre (ou abrégé), auteur, page.
+    if (PremiereCitation(l)) {
+      if (parAbbr) AvertitNonLues(s, {"ABBR", "AUTH"}, "partie de la source non importée (le dossier garde titre, auteur et page)");
+      else AvertitNonLues(s, {"TITL", "AUTH"}, "partie de la source non importée (le dossier garde titre, auteur et page)");
+    }
   }
   if (const std::string_view page = A.ValeurEnfant(i, "PAGE"); !page.empty()) texte = Joint(texte, page);
   texte = Trim(texte);
   if (texte.empty()) {
-    Avertit(i, "source vide");
+    AvertitTout(i, "source vide");
+    return;
+  }
+  if (e.CountSource() >= kNbSourcesEven) {
+    AvertitTout(i, "51e source de l'événement : non importée");
     return;
   }
   if (texte.size() > kLgDescriptifSource) Avertit(i, "source coupée à 300 caractères");
-  if (e.CountSource() >= kNbSourcesEven) {
-    Avertit(i, "51e source de l'événement : non importée");
-    return;
-  }
+  AvertitNonLues(i, {"PAGE"}, "précision de la citation de source non importée");
   TSource s(Bdd);
   s.SetType(kTypeSource);
   s.SetDescriptif(texte);
@@ -425,30 +465,46 @@ std::string CheminDansDossier(std::string chemin) {
 
 void TImport::AjouteMedia(uint32_t i, TEvenement::TEnreg& e) {
   uint32_t obje = i;
+  bool dire = true;  // ce qui n'est pas lu du média est à dire (une fois par enregistrement)
   if (const std::string_view x = TArbreGedcom::Pointeur(A.Valeur(i)); !x.empty()) {
     const int64_t l = A.Cherche("OBJE", x);
     if (l < 0) {
-      Avertit(i, "renvoi vers un média absent du fichier");
+      AvertitTout(i, "renvoi vers un média absent du fichier");
       return;
     }
-    Cites[size_t(l)] = true;
+    AvertitNonLues(i, {}, "précision du média non importée");
     obje = uint32_t(l);
+    dire = PremiereCitation(l);
   }
   const std::string_view fichier = A.ValeurEnfant(obje, "FILE");
   if (fichier.empty()) {
-    Avertit(i, "média sans fichier (FILE) : non importé");
+    AvertitTout(i, "média sans fichier (FILE) : non importé");
+    if (dire && obje != i) AvertitNonLues(obje, {}, "média sans fichier (FILE) : non importé");
     return;
   }
+  if (dire) {
+    // Du média, le dossier garde le chemin du premier fichier.
+    bool premier = true;
+    A.Enfants(obje, [&](uint32_t j) {
+      if (A.Tag(j) == "FILE" && premier && A.Valeur(j) == fichier) {
+        premier = false;
+        AvertitNonLues(j, {}, "précision du média non importée (le dossier garde son chemin)");
+      } else {
+        AvertitTout(j, A.Tag(j) == "FILE" ? "fichier de plus du média : non importé"
+                                          : "précision du média non importée (le dossier garde son chemin)");
+      }
+    });
+  }
   const std::string chemin = CheminDansDossier(std::string(fichier));
-  if (chemin != fichier) Avertit(i, "chemin du média ramené dans le dossier : " + chemin);
   if (chemin.empty() || chemin.size() > kLgChemin) {
-    Avertit(i, "chemin du média vide ou trop long : non importé");
+    AvertitTout(i, "chemin du média vide ou trop long : non importé");
     return;
   }
   if (e.CountIllustration() >= kNbIllustrationsEven) {
-    Avertit(i, "51e média de l'événement : non importé");
+    AvertitTout(i, "51e média de l'événement : non importé");
     return;
   }
+  if (chemin != fichier) Avertit(i, "chemin du média ramené dans le dossier : " + chemin);
   TIllustration ill(Bdd);
   ill.SetChemin(chemin);
   ill.NoEven = e.No;
@@ -460,7 +516,15 @@ void TImport::AjouteMedia(uint32_t i, TEvenement::TEnreg& e) {
 
 void TImport::AjouteCitee(uint32_t i, TEvenement::TEnreg& e) {
   const int32_t k = Personne(i, A.Valeur(i));
-  if (k < 0) return;
+  if (k < 0) {
+    AvertitNonLues(i, {}, "précision d'une personne citée non importée");
+    return;
+  }
+  for (int c = 0; c < e.CountPersAssociee(); ++c)
+    if (e.PersAssociees[c].Lien.No == NoPers(k)) {
+      AvertitTout(i, "personne déjà citée dans l'événement : non importée");
+      return;
+    }
   std::string qualite(A.ValeurEnfant(i, "RELA"));
   if (qualite.empty()) qualite = std::string(A.ValeurEnfant(i, "ROLE"));
   if (Cle(qualite) == "WITN" || Cle(qualite) == "WITNESS") qualite = "Témoin";
@@ -471,9 +535,10 @@ void TImport::AjouteCitee(uint32_t i, TEvenement::TEnreg& e) {
     pa.LienQualite = static_cast<int32_t>(Gest.FicQua()->Cherche(&elt, true));
   }
   if (e.CountPersAssociee() >= kNbPersAssocieesEven) {
-    Avertit(i, "51e personne citée : non importée");
+    AvertitTout(i, "51e personne citée : non importée");
     return;
   }
+  AvertitNonLues(i, {"RELA", "ROLE"}, "précision d'une personne citée non importée (le dossier garde sa qualité)");
   e.PersAssocieesChargees = true;
   e.AjoutPersAssociee(pa);
 }
@@ -500,6 +565,11 @@ bool TImport::FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenem
       return;
     }
     chp->SetMorceauNo(n, std::string(texte), donnee, int(kLgDonnee));
+    // Le morceau coupe à sa largeur (la valeur d'un champ d'un seul morceau, à 100 caractères)
+    // sans le dire : ce qui en est resté se compare à ce qui était donné.
+    const std::string garde = Trim(chp->NbMorceaux <= 1 ? donnee : chp->GetMorceauNo(n, donnee));
+    if (garde != Trim(texte))
+      Avertit(ligne, "valeur coupée à " + std::to_string(garde.size()) + " caractères (la place du champ)");
   };
   if (!valeur.empty() && valeur != "Y" && valeur != "y") {
     if (chp->NbMorceaux >= 1 && (chp->SousTagGedCom.empty() || chp->SousTagGedCom[0].empty()))
@@ -508,12 +578,19 @@ bool TImport::FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenem
       Avertit(i, "valeur sans morceau du champ pour la recevoir : laissée");
   }
   std::string note;
+  bool dateLue = false, lieuLu = false;
   A.Enfants(i, [&](uint32_t j) {
     const std::string tag(A.Tag(j));
     const std::string_view v = A.Valeur(j);
     if (tag == "DATE" && Trim(v).empty()) {
-      Avertit(j, "date vide : laissée");
+      AvertitTout(j, "date vide : laissée");
+    } else if (tag == "DATE" && dateLue) {
+      AvertitTout(j, "deuxième date de l'événement : la première est gardée");
+    } else if (tag == "PLAC" && lieuLu) {
+      AvertitTout(j, "deuxième lieu de l'événement : le premier est gardé");
     } else if (tag == "DATE") {
+      dateLue = true;
+      AvertitNonLues(j, {}, "précision de la date non importée");
       std::string raison;
       TDateRQ d;
       const bool ok = DateGedcomVersRQ(v, d, raison);
@@ -523,12 +600,11 @@ bool TImport::FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenem
         note += (note.empty() ? "" : "\r\n") + std::string("Date : ") + std::string(v);
       }
     } else if (tag == "PLAC") {
+      lieuLu = true;
       std::string lieuDit;
       e.Lieu = Lieu(v, j, lieuDit);
       e.SetLieuDit(lieuDit);
-      A.Enfants(j, [&](uint32_t k) {
-        if (A.Tag(k) != "FORM") Avertit(k, "précision du lieu non importée");
-      });
+      AvertitNonLues(j, {"FORM"}, "précision du lieu non importée");
     } else if (tag == "TYPE") {
       if (generique) morceau(1, v, j);
       else if (A.Tag(i) != "EVEN" && A.Tag(i) != "FACT") Avertit(j, "type de l'événement non importé");
@@ -553,13 +629,9 @@ bool TImport::FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenem
       A.Enfants(j, [&](uint32_t k) { texte = Joint(texte, A.Valeur(k)); });
       morceau(n, texte, j);
     }
-    if (tag == "SOUR" || tag == "OBJE" || tag == "ASSO" || tag == "NOTE") {
-      // Leurs sous-lignes sont lues par qui les traite.
-    }
   });
-  if (donnee.size() > kLgDonnee) Avertit(i, "valeur coupée à 100 caractères");
   e.SetDonnee(donnee);
-  if (!note.empty()) e.Note = EcritNote(note);
+  if (!note.empty()) e.Note = EcritNote(note, i);
   return true;
 }
 
@@ -672,8 +744,10 @@ void TImport::EcritPersonne(int32_t k) {
     } else if (tag == "SEX") {
       const std::string_view s = A.Valeur(j);
       if (s != "M" && s != "F" && s != "U" && s != "?" && !s.empty()) Avertit(j, "sexe inconnu : lu ?");
+      AvertitNonLues(j, {}, "précision du sexe non importée");
     } else if (tag == "FAMC" || tag == "FAMS") {
-      // Lus avec les familles.
+      // Lus avec les familles ; le dossier n'a pas de nature du lien (PEDI...).
+      AvertitNonLues(j, {}, "précision du lien de famille non importée");
     } else if (tag == "NOTE" || tag == "SNOTE") {
       note += (note.empty() ? "" : "\r\n\r\n") + TexteNote(j);
     } else if (tag == "ASSO") {
@@ -733,9 +807,11 @@ void TImport::EcritPersonne(int32_t k) {
         } else if (TChpCs* chp = ChampDe(j, true)) {
           if (chp->IsEvenement()) {
             fam.Evens.emplace_back();
+            fam.LignesEvens.push_back(j);
             FaitEvenement(j, chp, NoPers(fam.Mari), NoPers(fam.Femme), fam.Evens.back());
           } else {
             fam.Chps.emplace_back();
+            fam.LignesChps.push_back(j);
             FaitSimple(j, chp, NoPers(fam.Mari), NoPers(fam.Femme), fam.Chps.back());
             fam.Chps.back().No = Bdd->ReturnNewNumChpsSimple();
           }
@@ -747,19 +823,28 @@ void TImport::EcritPersonne(int32_t k) {
       });
       if (!note2.empty()) {
         if (fam.Evens.empty()) Avertit(fam.Ligne, "note de famille sans événement du couple pour la recevoir : non importée");
-        else fam.Evens.front().Note = EcritNote(note2);
+        else fam.Evens.front().Note = EcritNote(note2, fam.Ligne);
       }
       R.Evenements += long(fam.Evens.size() + fam.Chps.size());
     }
-    for (TEvenement::TEnreg& ev : fam.Evens) {
-      if (nbFaits >= TPerson::NbLiens) break;
+    const std::string raison101 = "101e fait de la personne : fait du couple non écrit chez elle";
+    for (size_t n = 0; n < fam.Evens.size(); ++n) {
+      TEvenement::TEnreg& ev = fam.Evens[n];
+      if (nbFaits >= TPerson::NbLiens) {
+        AvertitTout(fam.LignesEvens[n], raison101);
+        continue;
+      }
       ++nbFaits;
       TEvenement e(Bdd);
       e.Enreg = ev;
       p.AjoutEven(&e, true, false, false);
     }
-    for (TChpsSimple::TEnreg& c : fam.Chps) {
-      if (nbFaits >= TPerson::NbLiens) break;
+    for (size_t n = 0; n < fam.Chps.size(); ++n) {
+      TChpsSimple::TEnreg& c = fam.Chps[n];
+      if (nbFaits >= TPerson::NbLiens) {
+        AvertitTout(fam.LignesChps[n], raison101);
+        continue;
+      }
       ++nbFaits;
       p.AjoutChpsSimple(&c, conj);
     }
@@ -769,7 +854,7 @@ void TImport::EcritPersonne(int32_t k) {
       fam.Chps.clear();
     }
   }
-  if (!note.empty()) p.Enreg.Note = static_cast<int32_t>(EcritNote(note));
+  if (!note.empty()) p.Enreg.Note = static_cast<int32_t>(EcritNote(note, d.Ligne));
   // Ce que fait Enregistrement, moins deux choses qu'un import n'a pas à faire pour chaque
   // fiche : chercher les lignes d'avant de la personne (elle est neuve : ses faits de couple
   // déjà écrits par le conjoint sont repris par leur numéro), et tenir l'index des noms à jour
