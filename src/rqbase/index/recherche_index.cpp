@@ -661,15 +661,40 @@ bool TGestEltIndex::IsExcluParentsRecursif(int profondeur, long no, const TRechS
 
 void TGestEltIndex::PrepareSoundex() {
   if (SoundexNb == GetNbElt() && SoundexUtilise == TailleUtilisee()) return;
-  ParSoundex.clear();
-  ParSoundex.reserve(size_t(GetNbElt()));
-  TEltIndex e;
-  for (long r = 0; r < GetNbElt(); ++r) {
-    Lit(r, e);
-    ParSoundex.push_back((uint64_t(CodeSoundex(e.Enreg.NomSoundex)) << 32) | uint64_t(uint32_t(r)));
+  const long n = GetNbElt();
+  // Seul le soundex du nom sert : il est pris dans les octets de la ligne (deux textes comptés
+  // sautés), sans relire la ligne entière. Un texte abîmé se lit comme TEltIndex::Lit le lit.
+  std::vector<uint64_t> cles(static_cast<size_t>(n));
+  for (long r = 0; r < n; ++r) {
+    long lisibles = 0;
+    const char* p = Octets(r, &lisibles);
+    if (!p) {
+      cles[size_t(r)] = uint64_t(uint32_t(r));
+      continue;
+    }
+    const char* fin = p + lisibles;
+    auto compte = [&]() -> size_t {
+      const size_t l = p < fin ? uint8_t(*p++) : 0;
+      return std::min(l, size_t(fin - p));
+    };
+    for (int texte = 0; texte < 2; ++texte) p += compte();
+    char soundex[kTailleSoundex] = {};
+    const size_t l = compte();
+    std::memcpy(soundex, p, std::min(l, kTailleSoundex - 1));
+    cles[size_t(r)] = (uint64_t(CodeSoundex(soundex)) << 32) | uint64_t(uint32_t(r));
   }
-  std::sort(ParSoundex.begin(), ParSoundex.end());
-  SoundexNb = GetNbElt();
+  // Les rangs viennent croissants : un tri stable sur le seul code (quatre passes d'un octet)
+  // range le tout, sans comparaisons.
+  ParSoundex.resize(cles.size());
+  for (int octet = 4; octet < 8; ++octet) {
+    size_t places[257] = {};
+    for (uint64_t c : cles) ++places[((c >> (8 * octet)) & 0xFF) + 1];
+    for (int i = 0; i < 256; ++i) places[i + 1] += places[i];
+    for (uint64_t c : cles) ParSoundex[places[(c >> (8 * octet)) & 0xFF]++] = c;
+    cles.swap(ParSoundex);
+  }
+  ParSoundex.swap(cles);
+  SoundexNb = n;
   SoundexUtilise = TailleUtilisee();
 }
 
