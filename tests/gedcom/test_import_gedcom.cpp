@@ -185,6 +185,34 @@ TEST_F(ImportGedcomTest, AllerRetourDonneLeMemeDossier) {
 // L'import donne à l'index les années des personnes dont naissance et décès sont notés
 // exactement (sans les relire) ; les autres passent par l'estimation. Les lignes doivent être
 // celles d'une reconstruction qui estime tout le monde.
+// Ce qu'un aller-retour perdait : un blanc là où une ligne longue est coupée, un « @ » dans
+// une suite, une barre dans un nom de famille.
+TEST_F(ImportGedcomTest, AllerRetourGardeBlancsArobasesEtBarres) {
+  const std::string note = std::string(199, 'a') + " " + std::string(50, 'b') + " @ " + std::string(150, 'c') + "@";
+  // La note échappée (« @@ ») et coupée en trois lignes, la dernière commençant par « @@ ».
+  const std::string echappee = std::string(199, 'a') + " " + std::string(50, 'b') + " @@ " + std::string(150, 'c') + "@@";
+  const std::string ged = "0 HEAD\n1 CHAR UTF-8\n0 @I1@ INDI\n1 NAME Jean /Dupont/Durand/\n"
+                          "1 NOTE " + echappee.substr(0, 120) + "\n2 CONC " + echappee.substr(120, 131) + "\n2 CONC " +
+                          echappee.substr(251) + "\n"
+                          "1 OCCU x @@ y\n2 CONC z @@ w\n0 TRLR\n";
+  auto a = Cree("Premier");
+  const TRapportImport r = Importe(*a, ged);
+  EXPECT_TRUE(r.Avertissements.empty()) << Raisons(r).front();
+  const std::string attendu = "Dupont/Durand|Jean|0|?|0,0||\n  PROFESSION   [] [x @ yz @ w] 1+0\n  note:" + note + "\n";
+  EXPECT_EQ(Decrit(*a, 1), attendu);
+  TRapportExport re;
+  const std::string exporte = ExporteGedcom(*a, TVivantsExport::Tous, re);
+  // Aucune ligne ne finit par un blanc, aucune suite n'en commence par un.
+  EXPECT_EQ(exporte.find(" \n"), std::string::npos);
+  EXPECT_EQ(exporte.find("CONC  "), std::string::npos);
+  auto b = Cree("Second");
+  const TRapportImport r2 = Importe(*b, exporte);
+  EXPECT_TRUE(r2.Avertissements.empty()) << Raisons(r2).front();
+  EXPECT_EQ(Decrit(*b, 1), attendu);
+  TRapportExport re2;
+  EXPECT_EQ(ExporteGedcom(*b, TVivantsExport::Tous, re2), exporte);
+}
+
 TEST_F(ImportGedcomTest, AnneesDeLIndexCommeUneReconstructionEntiere) {
   const std::string ged =
       "0 HEAD\n1 CHAR UTF-8\n"

@@ -60,6 +60,11 @@ TEST(LecteurLignes, SuitesEtArobases) {
   EXPECT_EQ(r.Lignes[1], "0|N1|NOTE|Premier morceau\r\nseconde ligne\r\nfin");
   EXPECT_EQ(r.Lignes[3], "1||NOTE|adresse jean@exemple.fr");
   EXPECT_EQ(r.Lignes[4], "1||FAMS|@F1@");
+  // « @@ » se lit « @ » aussi dans les suites ; en GEDCOM 7, seulement en tête de ligne.
+  const TLu suites = Lit("0 HEAD\n0 @I1@ INDI\n1 NOTE a@@b\n2 CONC c@@d\n2 CONT @@e@@f\n");
+  EXPECT_EQ(suites.Lignes.back(), "1||NOTE|a@bc@d\r\n@e@f");
+  const TLu sept = Lit("0 HEAD\n1 GEDC\n2 VERS 7.0\n0 @I1@ INDI\n1 NOTE @@a@@b\n2 CONT @@e@@f\n");
+  EXPECT_EQ(sept.Lignes.back(), "1||NOTE|@a@@b\r\n@e@@f");
   // Une suite sans ligne à continuer est dite et laissée.
   const TLu orpheline = Lit("0 CONC perdu\n0 HEAD\n");
   ASSERT_EQ(orpheline.Rapport.Avertissements.size(), 1u);

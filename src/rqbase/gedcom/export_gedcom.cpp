@@ -46,17 +46,26 @@ class TEcrivain {
       const std::string_view morceau = std::string_view(v).substr(i, fin == std::string::npos ? std::string::npos : fin - i);
       if (!premiere) Debut(niveau + 1, "CONT", {});
       premiere = false;
-      // 200 caractères par ligne au plus : GEDCOM en permet 255 avec niveau et balise.
-      for (size_t k = 0; k < morceau.size() || k == 0; k += 200) {
+      // 200 caractères par ligne au plus : GEDCOM en permet 255 avec niveau et balise. La
+      // coupure ne tombe pas à côté d'un blanc : bien des lecteurs ôtent les blancs de fin de
+      // ligne, et le blanc serait perdu au retour.
+      size_t k = 0;
+      do {
         if (k > 0) Debut(niveau + 1, "CONC", {});
-        const std::string_view part = morceau.substr(k, 200);
-        if (!part.empty()) {
-          Texte.back() == ' ' ? void() : void(Texte += ' ');
-          Texte += part;
+        size_t lg = std::min<size_t>(200, morceau.size() - k);
+        if (k + lg < morceau.size()) {
+          size_t c = lg;
+          // Ni entre les deux '@' d'un « @@ » : chaque ligne se relit seule.
+          while (c > 1 && (morceau[k + c - 1] == ' ' || morceau[k + c] == ' ' || morceau[k + c - 1] == '@')) --c;
+          if (c > 1) lg = c;
         }
-        Texte += "\n";
-        if (morceau.size() <= 200) break;
-      }
+        if (lg > 0) {
+          Texte += ' ';
+          Texte.append(morceau.substr(k, lg));
+        }
+        Texte += '\n';
+        k += lg;
+      } while (k < morceau.size());
       if (fin == std::string::npos) break;
       if (v[fin] == '\r' && fin + 1 < v.size() && v[fin + 1] == '\n') ++fin;
       i = fin + 1;
@@ -65,7 +74,7 @@ class TEcrivain {
   // Une ligne dont la valeur est un renvoi.
   void Renvoi(int niveau, std::string_view tag, char sorte, long no) {
     Debut(niveau, tag, {});
-    Texte += '@';
+    Texte += " @";
     Texte += sorte;
     Texte += std::to_string(no) + "@\n";
   }
@@ -81,7 +90,6 @@ class TEcrivain {
     }
     Texte += ' ';
     Texte += tag;
-    Texte += ' ';
   }
 };
 
@@ -386,16 +394,7 @@ std::string TExport::Lance() {
   }
   for (size_t i = 0; i < Fams.size(); ++i) Famille(long(i + 1), Fams[i]);
   W.Ligne(0, "TRLR");
-  // Chaque ligne a été écrite avec un blanc après sa balise : il tombe quand la valeur manque.
-  // Tassé sur place : le texte d'un gros dossier n'est pas recopié une fois de plus.
-  std::string& t = W.Texte;
-  size_t j = 0;
-  for (size_t i = 0; i < t.size(); ++i) {
-    if (t[i] == ' ' && i + 1 < t.size() && t[i + 1] == '\n') continue;
-    t[j++] = t[i];
-  }
-  t.resize(j);
-  return VersUtf8(t);
+  return VersUtf8(W.Texte);
 }
 
 }  // namespace

@@ -653,9 +653,12 @@ void TImport::FaitSimple(uint32_t i, TChpCs* chp, long noA, long noB, TChpsSimpl
 void TImport::LitNom(uint32_t i, TPerson& p, bool premier) {
   const std::string_view v = A.Valeur(i);
   std::string prenoms, nom;
+  // Le nom est entre la première et la dernière barre : un nom qui porte lui-même une barre
+  // (« Dupont/Durand ») revient entier.
   const size_t b1 = v.find('/');
   if (b1 != std::string_view::npos) {
-    const size_t b2 = v.find('/', b1 + 1);
+    const size_t dernier = v.rfind('/');
+    const size_t b2 = dernier == b1 ? std::string_view::npos : dernier;
     prenoms = Trim(v.substr(0, b1));
     nom = Trim(v.substr(b1 + 1, b2 == std::string_view::npos ? std::string_view::npos : b2 - b1 - 1));
     if (b2 != std::string_view::npos) prenoms = Trim(prenoms + " " + std::string(Trim(v.substr(b2 + 1))));

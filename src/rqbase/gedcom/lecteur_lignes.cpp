@@ -112,6 +112,35 @@ std::string NomCodageAnnonce(std::string_view texte, long& ligneChar) {
   return {};
 }
 
+// Vrai si l'en-tête annonce GEDCOM 7 (HEAD, GEDC, VERS 7...).
+bool EnTeteGedcom7(std::string_view texte) {
+  TDecoupeur d(texte.substr(0, 65536));
+  std::string_view brute;
+  long no = 0;
+  bool dansGedc = false;
+  while (d.Suivante(brute)) {
+    ++no;
+    TParties p;
+    std::string raison;
+    if (!Decoupe(brute, p, raison)) continue;
+    if (p.Niveau == 0 && no > 1) break;
+    if (p.Niveau == 1) dansGedc = p.Tag == "GEDC";
+    if (p.Niveau == 2 && dansGedc && p.Tag == "VERS") return !p.Valeur.empty() && p.Valeur.front() == '7';
+  }
+  return false;
+}
+
+// La valeur d'une ligne sans l'échappement de ses '@' : en 5.5, chaque « @@ » se lit « @ » ;
+// en 7.0, seul un « @@ » en tête de ligne est un échappement. Un renvoi reste tel quel.
+std::string_view SansArobases(std::string_view v, bool gedcom7, std::string& tampon) {
+  if (EstReference(v)) return v;
+  if (gedcom7) return v.substr(0, 2) == "@@" ? v.substr(1) : v;
+  if (v.find("@@") == std::string_view::npos) return v;
+  tampon.assign(v);
+  for (size_t k = tampon.find("@@"); k != std::string::npos; k = tampon.find("@@", k + 1)) tampon.erase(k, 1);
+  return tampon;
+}
+
 }  // namespace
 
 std::string TLignesGedcom::Texte(const TLigneGedcom& l) const {
@@ -157,6 +186,8 @@ TLignesGedcom LitLignesGedcom(std::string_view octets, TRapportImport& r, std::s
   }
   res.Codage = codage;
   r.Codage = NomCodage(codage);
+  const bool gedcom7 = EnTeteGedcom7(texte);
+  std::string sansArobases;
   const bool enUtf8 = codage == TCodageGedcom::Utf8 || codage == TCodageGedcom::Utf16Le ||
                       codage == TCodageGedcom::Utf16Be;
 
@@ -223,14 +254,15 @@ TLignesGedcom LitLignesGedcom(std::string_view octets, TRapportImport& r, std::s
         parent.Debut = static_cast<uint32_t>(res.Tampon.size());
         res.Tampon += copie;
       }
-      size_t ajout = p.Valeur.size() + (p.Tag == "CONT" ? 2 : 0);
+      const std::string_view suite = SansArobases(p.Valeur, gedcom7, sansArobases);
+      size_t ajout = suite.size() + (p.Tag == "CONT" ? 2 : 0);
       if (res.Tampon.size() + ajout > kTailleMax) {
         refus = "Le fichier est trop grand pour être lu.";
         res.Lignes.clear();
         return res;
       }
       if (p.Tag == "CONT") res.Tampon += "\r\n";
-      res.Tampon += p.Valeur;
+      res.Tampon += suite;
       parent.LgValeur = static_cast<uint32_t>(parent.LgValeur + ajout);
       // La suite ne paraît pas dans les lignes rendues : ce qui la suit se juge sur son parent.
       dernierNiveau = parent.Niveau;
@@ -249,15 +281,9 @@ TLignesGedcom LitLignesGedcom(std::string_view octets, TRapportImport& r, std::s
     l.LgTag = static_cast<uint8_t>(p.Tag.size());
     res.Tampon += p.Xref;
     res.Tampon += p.Tag;
-    if (!EstReference(p.Valeur) && p.Valeur.find("@@") != std::string_view::npos) {
-      std::string v(p.Valeur);
-      for (size_t k = v.find("@@"); k != std::string::npos; k = v.find("@@", k + 1)) v.erase(k, 1);
-      res.Tampon += v;
-      l.LgValeur = static_cast<uint32_t>(v.size());
-    } else {
-      res.Tampon += p.Valeur;
-      l.LgValeur = static_cast<uint32_t>(p.Valeur.size());
-    }
+    const std::string_view valeur = SansArobases(p.Valeur, gedcom7, sansArobases);
+    res.Tampon += valeur;
+    l.LgValeur = static_cast<uint32_t>(valeur.size());
     res.Lignes.push_back(l);
     dernierNiveau = niveau;
   }

@@ -9,7 +9,8 @@
 // - Fins de ligne CR, LF, CR LF et LF CR ; les lignes vides et les blancs de tête sont sautés.
 // - CONC et CONT sont joints à la ligne qu'ils continuent (CONT par un saut de ligne CR LF,
 //   la forme des notes du dossier) et ne paraissent pas dans les lignes rendues.
-// - « @@ » dans une valeur qui n'est pas une référence se lit « @ ».
+// - « @@ » dans une valeur qui n'est pas une référence se lit « @ », suites comprises ; en
+//   GEDCOM 7, seul un « @@ » en tête de ligne est un échappement.
 // - Un niveau qui saute (2 après 0) est ramené au niveau du parent plus un et dit au rapport ;
 //   une ligne sans niveau lisible est dite et sautée. Rien ne lève, rien ne boucle : le coût
 //   est linéaire en la taille du fichier.
