@@ -48,8 +48,8 @@ Conjoints   : 4
 Enfants     : 6, 5
 Note        : 0
 Débordement : 0
-1<TAB>NAISSANCE<TAB>14/06/1821<TAB>Amiens, Picardie, France<TAB>Saint-Leu<TAB>
-2<TAB>UNION<TAB>08/05/1845<TAB>Saint-Étienne, Rhône-Alpes, France<TAB><TAB>
+1<TAB>NAISSANCE<TAB>14/06/1821<TAB>Amiens, Somme, Picardie, France<TAB>Saint-Leu<TAB>
+2<TAB>UNION<TAB>08/05/1845<TAB>Saint-Étienne, Loire, Rhône-Alpes, France<TAB><TAB>
 <TAB>source<TAB>Générale<TAB>Registre paroissial de Saint-Étienne, acte 112
 <TAB>citée<TAB>1<TAB>Témoin<TAB>
 3<TAB>RESIDENCE<TAB>1850/1860<TAB><TAB><TAB>12 rue des Majots

@@ -82,21 +82,38 @@ TEST(DatesGedcom, EcritureRelueDonneLaMemeDate) {
 }
 
 TEST(LieuxGedcom, HierarchieDesVirgules) {
-  auto lieu = [](const char* plac) {
-    const TLieuGedcom l = DecoupeLieuGedcom(plac);
+  auto lieu = [](const char* plac, const char* forme = "") {
+    const TLieuGedcom l = DecoupeLieuGedcom(plac, forme);
     return l.Commune + "|" + l.Code + "|" + l.Region + "|" + l.Pays + "|" + l.LieuDit;
   };
-  EXPECT_EQ(lieu("Amiens, 80, Somme, Picardie, France, Saint-Leu"), "Amiens|80|Picardie|France|Saint-Leu");
+  // Département et région gardés tous deux : aucune partie ne se perd.
+  EXPECT_EQ(lieu("Amiens, 80, Somme, Picardie, France, Saint-Leu"), "Amiens|80|Somme, Picardie|France|Saint-Leu");
+  EXPECT_EQ(lieu("Amiens, 80, Somme, Picardie, France"), "Amiens|80|Somme, Picardie|France|");
   EXPECT_EQ(lieu("Amiens, 80021, Somme, , France"), "Amiens|80021|Somme|France|");
-  EXPECT_EQ(lieu("Ajaccio, 2A004, Corse-du-Sud, Corse, France, Vieux port, quai"), "Ajaccio|2A004|Corse|France|Vieux port, quai");
+  EXPECT_EQ(lieu("Ajaccio, 2A004, Corse-du-Sud, Corse, France, Vieux port, quai"),
+            "Ajaccio|2A004|Corse-du-Sud, Corse|France|Vieux port, quai");
   EXPECT_EQ(lieu("Brest"), "Brest||||");
   EXPECT_EQ(lieu("Brest, 29200"), "Brest|29200|||");
   EXPECT_EQ(lieu("Brest, Finistère"), "Brest||Finistère||");
+  EXPECT_EQ(lieu("Paris, France"), "Paris|||France|");
+  EXPECT_EQ(lieu("Bruxelles, belgique"), "Bruxelles|||belgique|");
   EXPECT_EQ(lieu("Brest, Finistère, France"), "Brest||Finistère|France|");
+  EXPECT_EQ(lieu("Brest, Finistère, Bretagne, France"), "Brest||Finistère, Bretagne|France|");
   EXPECT_EQ(lieu("Brest, 29, Bretagne, France"), "Brest|29|Bretagne|France|");
   EXPECT_EQ(lieu(""), "||||");
-  // L'écriture se relit à l'identique.
-  for (const char* plac : {"Amiens, 80, , Picardie, France, Saint-Leu", "Brest", "Lyon, 69, , Rhône-Alpes, France"}) {
+  // La forme de l'en-tête dit le rôle de chaque place ; un nom inconnu va au lieu-dit.
+  EXPECT_EQ(lieu("Springfield, Sangamon, Illinois, USA", "City, County, State, Country"),
+            "Springfield||Sangamon, Illinois|USA|");
+  EXPECT_EQ(lieu("Amiens, 80021, Picardie, France, Saint-Leu", "Commune, Code INSEE, Région, Pays, Hameau"),
+            "Amiens|80021|Picardie|France|Saint-Leu");
+  EXPECT_EQ(lieu("Saint-Leu, Amiens, France", "Lieu-dit, Ville, Pays"), "Amiens|||France|Saint-Leu");
+  // Une forme sans commune reconnue ne sert pas : la lecture par défaut s'applique.
+  EXPECT_EQ(lieu("Paris, France", "A, B"), "Paris|||France|");
+  // L'écriture redonne le département à sa place, et se relit à l'identique.
+  EXPECT_EQ(ComposeLieuGedcom(DecoupeLieuGedcom("Amiens, 80, Somme, Picardie, France")), "Amiens, 80, Somme, Picardie, France");
+  EXPECT_EQ(ComposeLieuGedcom(DecoupeLieuGedcom("Paris, France")), "Paris, , , , France");
+  for (const char* plac : {"Amiens, 80, , Picardie, France, Saint-Leu", "Brest", "Lyon, 69, , Rhône-Alpes, France",
+                           "Amiens, 80, Somme, Picardie, France, Saint-Leu", "Paris, , , , France"}) {
     const TLieuGedcom l = DecoupeLieuGedcom(plac);
     EXPECT_EQ(ComposeLieuGedcom(l), plac);
   }

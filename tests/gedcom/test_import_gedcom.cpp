@@ -145,18 +145,18 @@ TEST_F(ImportGedcomTest, FamilleExempleEntiere) {
   EXPECT_EQ(g->FicPersons()->NbPersEffective(), 8);  // le numéro 1 du dossier neuf est repris
   EXPECT_EQ(Decrit(*g, 3),
             "Lefèvre|Jean Baptiste|2|M|1,2|4 |6 5 \n"
-            "  NAISSANCE #  G14/06/1821# Amiens/80/Picardie/France [Saint-Leu] [] 3+0\n"
-            "  UNION #  G08/05/1845# Saint-Étienne/42/Rhône-Alpes/France [] [] 3+4 source:Registre paroissial de "
+            "  NAISSANCE #  G14/06/1821# Amiens/80/Somme, Picardie/France [Saint-Leu] [] 3+0\n"
+            "  UNION #  G08/05/1845# Saint-Étienne/42/Loire, Rhône-Alpes/France [] [] 3+4 source:Registre paroissial de "
             "Saint-Étienne, acte 112 citée:1\n"
             "  RESIDENCE #  G1850/1860#  [] [12 rue des Majots] 3+0\n"
             "  PROFESSION   [] [tisserand] 3+0\n"
             "  PROFESSION   [] [aubergiste] 3+0\n");
   EXPECT_EQ(Decrit(*g, 1),
             "Lefèvre|Pierre|0|M|0,0|2 |3 \n"
-            "  NAISSANCE #  G02/02/1790# Amiens/80/Picardie/France [] [] 1+0 source:Registres paroissiaux d'Amiens, "
+            "  NAISSANCE #  G02/02/1790# Amiens/80/Somme, Picardie/France [] [] 1+0 source:Registres paroissiaux d'Amiens, "
             "Saint-Leu, Archives départementales de la Somme, folio 12\n"
-            "  DECES #  R12/VENT/10# Amiens/80/Picardie/France [] [] 1+0 citée:3\n"
-            "  UNION #  G10/01/1815# Amiens/80/Picardie/France [] [] 1+2\n"
+            "  DECES #  R12/VENT/10# Amiens/80/Somme, Picardie/France [] [] 1+0 citée:3\n"
+            "  UNION #  G10/01/1815# Amiens/80/Somme, Picardie/France [] [] 1+2\n"
             "  PROFESSION   [] [Tisserand] 1+0\n"
             "  note:Pierre tenait un métier à tisser rue des Majots ; son fils\r\na repris l'atelier en 1845.\n");
   EXPECT_THAT(Decrit(*g, 7), testing::StartsWith("de La Fontaine|Jeanne|0|F|0,0|6 |8 \n  NAISSANCE #  G1850/1855#"));
@@ -211,6 +211,20 @@ TEST_F(ImportGedcomTest, AllerRetourGardeBlancsArobasesEtBarres) {
   EXPECT_EQ(Decrit(*b, 1), attendu);
   TRapportExport re2;
   EXPECT_EQ(ExporteGedcom(*b, TVivantsExport::Tous, re2), exporte);
+}
+
+// La forme des lieux de l'en-tête vaut pour tous, celle d'un lieu pour lui seul.
+TEST_F(ImportGedcomTest, FormeDesLieuxDeLEnTete) {
+  const std::string ged =
+      "0 HEAD\n1 PLAC\n2 FORM City, County, State, Country\n"
+      "0 @I1@ INDI\n1 NAME John /Smith/\n1 BIRT\n2 PLAC Springfield, Sangamon, Illinois, USA\n"
+      "1 DEAT\n2 PLAC Saint-Leu, Amiens, France\n3 FORM Hameau, Ville, Pays\n0 TRLR\n";
+  auto g = Cree();
+  const TRapportImport r = Importe(*g, ged);
+  EXPECT_TRUE(r.Avertissements.empty()) << Raisons(r).front();
+  const std::string d = Decrit(*g, 1);
+  EXPECT_THAT(d, HasSubstr("NAISSANCE  Springfield//Sangamon, Illinois/USA []"));
+  EXPECT_THAT(d, HasSubstr("DECES  Amiens///France [Saint-Leu]"));
 }
 
 TEST_F(ImportGedcomTest, AnneesDeLIndexCommeUneReconstructionEntiere) {

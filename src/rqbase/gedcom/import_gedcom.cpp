@@ -130,7 +130,7 @@ class TImport {
   TChpCs* ChampDe(uint32_t i, bool couple);
   bool FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenement::TEnreg& e);
   void FaitSimple(uint32_t i, TChpCs* chp, long noA, long noB, TChpsSimple::TEnreg& c);
-  long Lieu(std::string_view plac, uint32_t i, std::string& lieuDit);
+  long Lieu(std::string_view plac, std::string_view forme, uint32_t i, std::string& lieuDit);
   std::string TexteNote(uint32_t i);
   // La note écrite (0 sans texte) ; `i` est la ligne dite si elle doit être coupée.
   long EcritNote(const std::string& texte, uint32_t i);
@@ -154,6 +154,7 @@ class TImport {
   std::vector<bool> Cites;  // enregistrements SOUR, OBJE, NOTE cités au moins une fois
   std::vector<TAnneesIndex> Annees;  // par personne du fichier
   long Base = 0;
+  std::string FormeLieux;  // la PLAC FORM de l'en-tête, vide sans elle
 };
 
 int32_t TImport::Personne(uint32_t i, std::string_view valeur) {
@@ -386,8 +387,8 @@ long TImport::EcritNote(const std::string& texte, uint32_t i) {
   return note.NoFiche;
 }
 
-long TImport::Lieu(std::string_view plac, uint32_t i, std::string& lieuDit) {
-  TLieuGedcom l = DecoupeLieuGedcom(plac);
+long TImport::Lieu(std::string_view plac, std::string_view forme, uint32_t i, std::string& lieuDit) {
+  TLieuGedcom l = DecoupeLieuGedcom(plac, forme);
   lieuDit = l.LieuDit;
   if (lieuDit.size() > kLgLieuDit - 1) Avertit(i, "lieu-dit coupé à 50 caractères");
   if (l.Commune.empty() && l.Code.empty() && l.Region.empty() && l.Pays.empty()) return 0;
@@ -602,7 +603,9 @@ bool TImport::FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenem
     } else if (tag == "PLAC") {
       lieuLu = true;
       std::string lieuDit;
-      e.Lieu = Lieu(v, j, lieuDit);
+      // La forme du lieu lui-même l'emporte sur celle de l'en-tête.
+      const std::string_view forme = A.ValeurEnfant(j, "FORM");
+      e.Lieu = Lieu(v, forme.empty() ? std::string_view(FormeLieux) : forme, j, lieuDit);
       e.SetLieuDit(lieuDit);
       AvertitNonLues(j, {"FORM"}, "précision du lieu non importée");
     } else if (tag == "TYPE") {
@@ -896,6 +899,7 @@ void TImport::Lance() {
     } else if (tag == "HEAD") {
       const int64_t gedc = A.Enfant(i, "GEDC");
       if (gedc >= 0) R.Version = std::string(A.ValeurEnfant(uint32_t(gedc), "VERS"));
+      if (const int64_t plac = A.Enfant(i, "PLAC"); plac >= 0) FormeLieux = std::string(A.ValeurEnfant(uint32_t(plac), "FORM"));
     } else if (tag == "TRLR" || tag == "SOUR" || tag == "OBJE" || tag == "NOTE" || tag == "SNOTE") {
       // La fin, et les enregistrements lus par renvoi.
     } else {
