@@ -484,10 +484,26 @@ TEST_F(ImportGedcomTest, Le151eEnfantEstDitEtPasEcrit) {
   TPerson dernier(g->FicPersons(), 153);
   const long pereDuDernier = dernier.Enreg.Pere.No;
   EXPECT_EQ(pereDuDernier, 0);
-  long dits = 0;
-  for (const auto& a : r.Avertissements) dits += a.Raison == "151e enfant : lien avec cet enfant non écrit";
-  EXPECT_EQ(dits, 2);
+  // Chaque refus cite la ligne CHIL de l'enfant, et le nomme.
+  ASSERT_EQ(r.Avertissements.size(), 2u) << testing::PrintToString(Raisons(r));
+  EXPECT_EQ(Raisons(r), (std::vector<std::string>{"461:151e enfant du père : lien avec E150 Nombreux non écrit",
+                                                  "462:151e enfant du père : lien avec E151 Nombreux non écrit"}));
+  EXPECT_EQ(r.Avertissements[1].Texte, "1 CHIL @E151@");
   LiensSymetriques(*g);
+}
+
+// Le rapport montre chaque ligne comme le fichier l'écrit (blancs, niveau, « @@ », première
+// ligne d'une valeur continuée), et un fichier sans TRLR est dit une fois peut-être tronqué.
+TEST_F(ImportGedcomTest, RapportCiteLesLignesDOrigine) {
+  auto g = Cree();
+  const TRapportImport r =
+      Importe(*g, "0 HEAD\n0 @I1@ INDI\n1 NAME Jean /X/\n3   _FOO  a@@b\n1 _BAR x\n2 CONC y\n0 @I2@ INDI\n");
+  EXPECT_EQ(r.Personnes, 2);
+  std::vector<std::string> vus;
+  for (const auto& a : r.Avertissements) vus.push_back(std::to_string(a.Ligne) + "|" + a.Texte);
+  EXPECT_EQ(vus, (std::vector<std::string>{"4|3   _FOO  a@@b", "4|3   _FOO  a@@b", "5|1 _BAR x", "7|0 @I2@ INDI"}))
+      << testing::PrintToString(Raisons(r));
+  EXPECT_EQ(r.Avertissements.back().Raison, "le fichier ne finit pas par TRLR : il est peut-être tronqué");
 }
 
 TEST_F(ImportGedcomTest, LignesDUnMegaoctetEtFichierTronque) {

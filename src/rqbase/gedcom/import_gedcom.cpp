@@ -73,6 +73,7 @@ struct TFam {
   uint32_t Ligne = 0;
   int32_t Mari = -1, Femme = -1;
   std::vector<int32_t> Enfants;
+  std::vector<uint32_t> LignesEnfants;  // la ligne CHIL (ou FAMC) de chaque enfant
   bool CoupleLie = false;
   // Les faits du couple, faits au premier conjoint écrit et repris au second.
   std::vector<TEvenement::TEnreg> Evens;
@@ -97,7 +98,7 @@ class TImport {
 
  private:
   void Avertit(uint32_t i, std::string raison) {
-    R.Avertit(A.Numero(i), A.Lignes().Texte(A.Ligne(i)), std::move(raison));
+    R.Avertit(A.Numero(i), A.Lignes().Originale(i), std::move(raison));
   }
   // Toutes les sous-lignes de i, dites non importées avec la même raison.
   void AvertitTout(uint32_t i, const std::string& raison) {
@@ -194,10 +195,12 @@ void TImport::LitFamilles() {
       } else if (tag == "CHIL") {
         const int32_t k = Personne(j, A.Valeur(j));
         if (k < 0) return;
-        if (std::find(f.Enfants.begin(), f.Enfants.end(), k) != f.Enfants.end())
+        if (std::find(f.Enfants.begin(), f.Enfants.end(), k) != f.Enfants.end()) {
           Avertit(j, "enfant cité deux fois dans la famille");
-        else
+        } else {
           f.Enfants.push_back(k);
+          f.LignesEnfants.push_back(j);
+        }
       }
     });
   }
@@ -217,6 +220,7 @@ void TImport::ControleFamc() {
       if (tag == "FAMC") {
         if (std::find(fam.Enfants.begin(), fam.Enfants.end(), pk) == fam.Enfants.end()) {
           fam.Enfants.push_back(pk);
+          fam.LignesEnfants.push_back(j);
           Avertit(j, "la famille ne citait pas cet enfant : lien complété d'après FAMC");
         }
         return;
@@ -264,7 +268,8 @@ void TImport::LieFamilles() {
       }
     }
     bool lienEcrit = f.CoupleLie;
-    for (const int32_t e : f.Enfants) {
+    for (size_t n = 0; n < f.Enfants.size(); ++n) {
+      const int32_t e = f.Enfants[n];
       TPers& enfant = Pers[size_t(e)];
       if (e == f.Mari || e == f.Femme) {
         Avertit(f.Ligne, "une personne est à la fois parent et enfant dans la famille : lien laissé");
@@ -279,7 +284,10 @@ void TImport::LieFamilles() {
         if (parent < 0) continue;
         TPers& p = Pers[size_t(parent)];
         if (int(p.Enfants.size()) >= TPerson::NbEnfants) {
-          Avertit(p.Ligne, "151e enfant : lien avec cet enfant non écrit");
+          std::string nom(A.ValeurEnfant(enfant.Ligne, "NAME"));
+          nom.erase(std::remove(nom.begin(), nom.end(), '/'), nom.end());
+          Avertit(f.LignesEnfants[n], std::string("151e enfant ") + (pere ? "du père" : "de la mère") + " : lien avec " +
+                                          (Trim(nom).empty() ? "cet enfant" : Trim(nom)) + " non écrit");
           continue;
         }
         p.Enfants.push_back(e);
@@ -1019,6 +1027,13 @@ std::unique_ptr<TGedcomLu> LitGedcom(std::string_view octets) {
   lu->Arbre = std::make_unique<TArbreGedcom>(lu->Lignes, lu->Rapport);
   for (const uint32_t i : lu->Arbre->Enregistrements())
     if (lu->Arbre->Tag(i) == "INDI") ++lu->NbPersonnes;
+  // Un fichier complet finit par TRLR : sans lui, la fin a pu se perdre (dit une fois).
+  const auto& racines = lu->Arbre->Enregistrements();
+  if (racines.empty() || lu->Arbre->Tag(racines.back()) != "TRLR") {
+    const auto derniere = static_cast<uint32_t>(lu->Lignes.Lignes.size() - 1);
+    lu->Rapport.Avertit(lu->Arbre->Numero(derniere), lu->Lignes.Originale(derniere),
+                        "le fichier ne finit pas par TRLR : il est peut-être tronqué");
+  }
   return lu;
 }
 

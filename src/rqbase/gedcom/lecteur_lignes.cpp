@@ -9,6 +9,7 @@ namespace rqbase {
 namespace {
 
 constexpr size_t kTailleMax = 0xFFFF0000u;  // les positions du tampon tiennent en 32 bits
+constexpr size_t kLgOriginale = 160;        // le rapport n'en montre que 120
 
 bool Blanc(char c) { return c == ' ' || c == '\t'; }
 
@@ -143,6 +144,11 @@ std::string_view SansArobases(std::string_view v, bool gedcom7, std::string& tam
 
 }  // namespace
 
+std::string TLignesGedcom::Originale(uint32_t i) const {
+  if (const auto it = Originales.find(i); it != Originales.end()) return it->second;
+  return Texte(Lignes[i]);
+}
+
 std::string TLignesGedcom::Texte(const TLigneGedcom& l) const {
   std::string t = std::to_string(l.Niveau) + " ";
   if (l.LgXref) t += "@" + std::string(Xref(l)) + "@ ";
@@ -247,6 +253,9 @@ TLignesGedcom LitLignesGedcom(std::string_view octets, TRapportImport& r, std::s
         continue;
       }
       TLigneGedcom& parent = res.Lignes.back();
+      // Le parent s'allonge : son texte d'origine est gardé tel qu'il était avant la suite.
+      const auto indiceParent = static_cast<uint32_t>(res.Lignes.size() - 1);
+      if (!res.Originales.count(indiceParent)) res.Originales.emplace(indiceParent, res.Texte(parent).substr(0, kLgOriginale));
       const size_t finParent = size_t(parent.Debut) + parent.LgXref + parent.LgTag + parent.LgValeur;
       if (finParent != res.Tampon.size()) {
         // Le parent n'est plus au bout du tampon : il y est recopié avant d'être allongé.
@@ -284,6 +293,12 @@ TLignesGedcom LitLignesGedcom(std::string_view octets, TRapportImport& r, std::s
     const std::string_view valeur = SansArobases(p.Valeur, gedcom7, sansArobases);
     res.Tampon += valeur;
     l.LgValeur = static_cast<uint32_t>(valeur.size());
+    // La recomposition redonne la ligne si elle a la même longueur (un seul blanc entre les
+    // parties, aucun en tête, niveau sans zéro de tête), le même niveau et la même valeur.
+    const size_t lgRecomposee = std::to_string(niveau).size() + 1 + (p.Xref.empty() ? 0 : p.Xref.size() + 3) +
+                                p.Tag.size() + (p.Valeur.empty() ? 0 : p.Valeur.size() + 1);
+    if (niveau != p.Niveau || lgRecomposee != ligne.size() || valeur.size() != p.Valeur.size())
+      res.Originales.emplace(static_cast<uint32_t>(res.Lignes.size()), ligne.substr(0, kLgOriginale));
     res.Lignes.push_back(l);
     dernierNiveau = niveau;
   }

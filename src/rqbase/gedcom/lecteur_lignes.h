@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "rqbase/gedcom/codages.h"
@@ -43,10 +44,15 @@ class TLignesGedcom {
   std::string_view Valeur(const TLigneGedcom& l) const {
     return {Tampon.data() + l.Debut + l.LgXref + l.LgTag, l.LgValeur};
   }
-  // La ligne recomposée, pour le rapport.
+  // La ligne recomposée.
   std::string Texte(const TLigneGedcom& l) const;
+  // La ligne `i` telle qu'elle est dans le fichier (sa première ligne physique), pour le rapport.
+  std::string Originale(uint32_t i) const;
 
   std::vector<TLigneGedcom> Lignes;
+  // Le texte d'origine des seules lignes que leur recomposition ne redonne pas (blancs en
+  // plus, niveau ramené, « @@ », suites jointes), coupé : un fichier ordinaire n'en a presque pas.
+  std::unordered_map<uint32_t, std::string> Originales;
   std::string Tampon;
   TCodageGedcom Codage = TCodageGedcom::Inconnu;
 };
