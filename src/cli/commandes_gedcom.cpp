@@ -58,9 +58,11 @@ std::string LitFichier(const std::string& chemin) {
   return octets;
 }
 
-// Le .prs d'un dossier à créer (CHEMIN avec ou sans .rq2).
+// Le .prs d'un dossier à créer (CHEMIN avec ou sans .rq2, ou son .prs, comme les autres
+// commandes le nomment).
 std::string PrsACreer(const std::string& nom) {
   fs::path p(rqbase::SupprimeSlashSiNecessaire(nom));
+  if (p.extension() == ".prs" || p.extension() == ".PRS") return p.string();
   if (p.extension() != ".rq2") p = p.string() + ".rq2";
   return (p / (p.stem().string() + ".prs")).string();
 }
@@ -151,6 +153,10 @@ void Importer(TContexteCli& ctx, const TOptionsGedcom& o) {
   std::unique_ptr<TCopieDeSecours> copie;
   if (o.Creer) {
     const std::string prs = PrsACreer(Arg(o.Dossier));
+    // Un dossier qui existe est refusé ici, sans la question que la création poserait.
+    std::error_code ec;
+    if (fs::exists(fs::symlink_status(rqbase::CheminOs(prs), ec)))
+      throw ERqBase("Le dossier \"" + Arg(o.Dossier) + "\" existe déjà : rien n'a été changé (sans --creer, l'import s'y ajoute).");
     gest = std::make_unique<TGestFichier>(prs, true, false, false, false, 0, rqbase::mcFormulaire, false);
     if (gest->EnErreur()) {
       const bool existe = gest->DerniereReponse() != 0;

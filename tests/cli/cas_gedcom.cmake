@@ -97,3 +97,21 @@ rq_cas(gedcom 14_apres_import_defait JSON SORTIE [=[{
   "sources": 2
 }
 ]=] ARGS --json importer famille_exemple.ged Famille)
+# --creer sur un dossier qui existe : refusé d'un message, sans question à l'utilisateur.
+rq_cas(gedcom 15_creer_existant CODE 1 ERREUR [=[rqbase : Le dossier "Famille" existe déjà : rien n'a été changé (sans --creer, l'import s'y ajoute).
+]=] ARGS importer famille_exemple.ged Famille --creer)
+# Le dossier à créer nommé par son .prs, comme les autres commandes le nomment : pas de
+# dossier dans un dossier (le second import trouve le .prs créé par le premier).
+rq_cas(gedcom 16_creer_par_prs JSON SORTIE [=[{
+  "avertissements": [],
+  "evenements": 17,
+  "familles": 3,
+  "lieux": 4,
+  "medias": 0,
+  "notes": 1,
+  "personnes": 8,
+  "sources": 2
+}
+]=] ARGS --json importer famille_exemple.ged Neuf.rq2/Neuf.prs --creer)
+rq_cas(gedcom 18_creer_par_prs_existant CODE 1 ERREUR [=[rqbase : Le dossier "Neuf.rq2/Neuf.prs" existe déjà : rien n'a été changé (sans --creer, l'import s'y ajoute).
+]=] ARGS importer famille_exemple.ged Neuf.rq2/Neuf.prs --creer)
