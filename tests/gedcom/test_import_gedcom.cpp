@@ -173,6 +173,10 @@ TEST_F(ImportGedcomTest, AllerRetourDonneLeMemeDossier) {
   EXPECT_EQ(re.SansBalise, 0);
   EXPECT_THAT(ged, HasSubstr("1 CHAR UTF-8\n"));
   EXPECT_THAT(ged, HasSubstr("0 @I3@ INDI\n1 NAME Jean \"Baptiste\" /Lef\xC3\xA8vre/\n"));  // UTF-8
+  // La personne citée dans un événement s'écrit sous une balise propre : GEDCOM 5.5.1 n'a pas
+  // d'ASSO sous un événement.
+  EXPECT_THAT(ged, HasSubstr("2 _ASSO @I1@\n3 RELA T\xC3\xA9moin\n"));
+  EXPECT_THAT(ged, testing::Not(HasSubstr("2 ASSO")));
   auto b = Cree("Second");
   const TRapportImport r = Importe(*b, ged);
   EXPECT_TRUE(r.Avertissements.empty()) << Raisons(r).front();
@@ -583,7 +587,7 @@ TEST_F(ImportGedcomTest, Gedcom7NotesPartageesEtRenvoisVides) {
 TEST_F(ImportGedcomTest, VivantsExclusOuAnonymises) {
   const std::string ged =
       "0 HEAD\n0 @I1@ INDI\n1 NAME Ancien /Martin/\n1 BIRT\n2 DATE 1850\n1 DEAT\n2 DATE 1910\n1 FAMS @F1@\n"
-      "0 @I2@ INDI\n1 NAME Recent /Martin/\n1 BIRT\n2 DATE 1990\n1 FAMC @F1@\n"
+      "0 @I2@ INDI\n1 NAME Recent /Martin/\n1 SEX F\n1 BIRT\n2 DATE 1990\n1 FAMC @F1@\n"
       "0 @F1@ FAM\n1 HUSB @I1@\n1 CHIL @I2@\n0 TRLR\n";
   auto g = Cree();
   Importe(*g, ged);
@@ -596,7 +600,8 @@ TEST_F(ImportGedcomTest, VivantsExclusOuAnonymises) {
   s = ExporteGedcom(*g, TVivantsExport::Anonymiser, r);
   EXPECT_EQ(r.Personnes, 2);
   EXPECT_THAT(s, testing::Not(HasSubstr("Recent")));
-  EXPECT_THAT(s, HasSubstr("0 @I2@ INDI\n1 NAME Vivant //\n1 SEX U\n1 FAMC @F1@\n"));
+  // Ni nom, ni sexe, ni faits : seule la place dans la famille reste.
+  EXPECT_THAT(s, HasSubstr("0 @I2@ INDI\n1 NAME Vivant //\n1 FAMC @F1@\n"));
 }
 
 }  // namespace

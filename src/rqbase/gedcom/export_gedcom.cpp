@@ -243,7 +243,9 @@ void TExport::Evenement(int niveau, const TEvenement::TEnreg& e0, TChpCs* chp) {
     for (const TPersAssociee& pa : Listes->PersAssociees(e.No)) {
       if (pa.Vide()) break;
       if (!Existe(pa.Lien.No)) continue;
-      Sortie->Renvoi(niveau + 1, "ASSO", 'I', pa.Lien.No);
+      // GEDCOM 5.5.1 n'a d'ASSO que sous la personne : la personne citée dans un événement
+      // s'écrit par une balise propre, que l'import relit au même événement.
+      Sortie->Renvoi(niveau + 1, "_ASSO", 'I', pa.Lien.No);
       std::string qualite;
       if (pa.LienQualite > 0 && Gest.FicQua()) {
         TFicheDupli f(Gest.FicQua(), pa.LienQualite, true);
@@ -278,7 +280,8 @@ void TExport::Personne(long no) {
     for (size_t i = 1; i < noms.size(); ++i)
       if (!Trim(noms[i]).empty()) W.Ligne(1, "NAME", "/" + Trim(noms[i]) + "/");
   }
-  W.Ligne(1, "SEX", p.EstHomme() ? "M" : p.EstFemme() ? "F" : "U");
+  // Une personne anonymisée ne garde que sa place dans les familles : ni nom, ni sexe, ni faits.
+  if (!anonyme) W.Ligne(1, "SEX", p.EstHomme() ? "M" : p.EstFemme() ? "F" : "U");
   if (!anonyme) {
     // Les faits de couple vont à la famille.
     Faits(p, [no](const auto& e) { return !(e.NoPersB != 0 && e.NoConjoint(no) != 0); });

@@ -625,7 +625,8 @@ bool TImport::FaitEvenement(uint32_t i, TChpCs* chp, long noA, long noB, TEvenem
       AjouteMedia(j, e);
     } else if (tag == "NOTE" || tag == "SNOTE") {
       note += (note.empty() ? "" : "\r\n") + TexteNote(j);
-    } else if (tag == "ASSO") {
+    } else if (tag == "ASSO" || tag == "_ASSO") {
+      // ASSO sous un événement (GEDCOM 7), ou _ASSO (la forme 5.5.1 de l'export).
       AjouteCitee(j, e);
     } else {
       // Une sous-balise du catalogue : le morceau qui la porte.
