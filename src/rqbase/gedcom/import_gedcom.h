@@ -16,6 +16,11 @@
 //   dossier ; l'écriture se fait en mode import de la base (une validation par 1000 lignes).
 // - La progression reçoit le nombre de personnes ; son abandon n'est suivi qu'avant la
 //   première écriture (s'arrêter au milieu laisserait des liens vers des personnes à venir).
+// - Une erreur d'écriture au milieu lève ERqBase et laisse le dossier à moitié importé : c'est
+//   à l'appelant, qui seul peut fermer le dossier, de le remettre tel qu'il était (la ligne de
+//   commande copie ses fichiers avant l'import et les remet).
+// - Rien n'est laissé sans être dit : chaque ligne que le dossier ne garde pas, ou garde
+//   changée, est au rapport avec son numéro, son texte d'origine et la raison.
 #pragma once
 #include <memory>
 #include <string_view>
