@@ -92,8 +92,10 @@ bool EstReference(std::string_view v) {
   return v.size() >= 3 && v.front() == '@' && v.back() == '@' && v.find(' ') == std::string_view::npos;
 }
 
-// Le codage annoncé par la ligne CHAR de l'en-tête (cherché dans ses premières lignes).
-std::string NomCodageAnnonce(std::string_view texte, long& ligneChar) {
+// Passe `voit` sur chaque ligne lisible de l'en-tête (dans les 64 premiers Kio, jusqu'au
+// premier enregistrement de niveau 0 qui suit) avec son numéro ; `voit` rend true pour arrêter.
+template <typename TVoit>
+void ParcoursEnTete(std::string_view texte, TVoit voit) {
   TDecoupeur d(texte.substr(0, 65536));
   std::string_view brute;
   long no = 0;
@@ -102,33 +104,35 @@ std::string NomCodageAnnonce(std::string_view texte, long& ligneChar) {
     TParties p;
     std::string raison;
     if (!Decoupe(brute, p, raison)) continue;
-    if (p.Niveau == 0 && no > 1) break;
-    if (p.Niveau == 1 && p.Tag == "CHAR") {
-      ligneChar = no;
-      size_t fin = p.Valeur.size();
-      while (fin > 0 && Blanc(p.Valeur[fin - 1])) --fin;
-      return std::string(p.Valeur.substr(0, fin));
-    }
+    if (p.Niveau == 0 && no > 1) return;
+    if (voit(p, no)) return;
   }
-  return {};
+}
+
+// Le codage annoncé par la ligne CHAR de l'en-tête.
+std::string NomCodageAnnonce(std::string_view texte, long& ligneChar) {
+  std::string nom;
+  ParcoursEnTete(texte, [&](const TParties& p, long no) {
+    if (p.Niveau != 1 || p.Tag != "CHAR") return false;
+    ligneChar = no;
+    size_t fin = p.Valeur.size();
+    while (fin > 0 && Blanc(p.Valeur[fin - 1])) --fin;
+    nom = std::string(p.Valeur.substr(0, fin));
+    return true;
+  });
+  return nom;
 }
 
 // Vrai si l'en-tête annonce GEDCOM 7 (HEAD, GEDC, VERS 7...).
 bool EnTeteGedcom7(std::string_view texte) {
-  TDecoupeur d(texte.substr(0, 65536));
-  std::string_view brute;
-  long no = 0;
-  bool dansGedc = false;
-  while (d.Suivante(brute)) {
-    ++no;
-    TParties p;
-    std::string raison;
-    if (!Decoupe(brute, p, raison)) continue;
-    if (p.Niveau == 0 && no > 1) break;
+  bool dansGedc = false, sept = false;
+  ParcoursEnTete(texte, [&](const TParties& p, long) {
     if (p.Niveau == 1) dansGedc = p.Tag == "GEDC";
-    if (p.Niveau == 2 && dansGedc && p.Tag == "VERS") return !p.Valeur.empty() && p.Valeur.front() == '7';
-  }
-  return false;
+    if (p.Niveau != 2 || !dansGedc || p.Tag != "VERS") return false;
+    sept = !p.Valeur.empty() && p.Valeur.front() == '7';
+    return true;
+  });
+  return sept;
 }
 
 // La valeur d'une ligne sans l'échappement de ses '@' : en 5.5, chaque « @@ » se lit « @ » ;
