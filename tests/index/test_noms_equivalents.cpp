@@ -9,6 +9,7 @@
 #include "rqbase/index/noms_equivalents.h"
 #include "rqbase/index/param_recherche.h"
 #include "rqbase/index/recherche_index.h"
+#include "rqbase/platform/fichier.h"
 
 namespace rqbase {
 namespace {
@@ -73,6 +74,31 @@ TEST(NomsEquivalents, NiLienNiDossier) {
   ASSERT_TRUE(t.AjouteGroupe({"Claude", "Clode"}, TGenre::Noms));
   EXPECT_FALSE(t.Sauvegarde(TGenre::Noms));
   EXPECT_EQ(essai::Contenu(vrai), "A;B\n");
+}
+
+// Un fichier là mais illisible n'est jamais remplacé par les seuls groupes ajoutés ; un groupe
+// dont la ligne serait trop longue pour être relue est refusé.
+TEST(NomsEquivalents, IllisibleJamaisRemplaceLigneTropLongueRefusee) {
+  essai::TDossierTemp temp;
+  const std::string noms = temp.Racine + "/e.neq";
+  essai::Ecrit(noms, "# mes groupes\nDupont;Dupond\n");
+  TFichierBrut::Pannes().EchoueLectureApres(0, ".neq");
+  TTabNomEquiv t(noms, "");
+  TFichierBrut::Pannes().Raz();
+  EXPECT_TRUE(t.Groupes(TGenre::Noms).empty());
+  ASSERT_EQ(t.Avertissements.size(), 1u);
+  ASSERT_TRUE(t.AjouteGroupe({"Leroy", "Leroi"}, TGenre::Noms));
+  EXPECT_FALSE(t.Sauvegarde(TGenre::Noms));
+  EXPECT_EQ(essai::Contenu(noms), "# mes groupes\nDupont;Dupond\n");
+
+  TTabNomEquiv u(noms, "");
+  std::vector<std::string> groupe;
+  for (int i = 0; i < 600; ++i) groupe.push_back("NOM" + std::to_string(1000 + i));
+  EXPECT_FALSE(u.AjouteGroupe(groupe, TGenre::Noms));
+  groupe.resize(400);  // 400 × 7 + 399 : sous la limite
+  EXPECT_TRUE(u.AjouteGroupe(groupe, TGenre::Noms));
+  ASSERT_TRUE(u.Sauvegarde(TGenre::Noms));
+  EXPECT_EQ(TTabNomEquiv(noms, "").Groupes(TGenre::Noms), u.Groupes(TGenre::Noms));
 }
 
 TEST(ParamRecherche, SectionPersonneModif) {

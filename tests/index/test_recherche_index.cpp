@@ -514,6 +514,10 @@ TEST_F(RechercheTest, CriteresALaFormeDesLignes) {
   EXPECT_EQ(Nom("()"), std::vector<long>{particule});
   EXPECT_EQ(Nom("de la", "Marie"), std::vector<long>{particule});
   EXPECT_TRUE(Nom("de", "Jean").empty());
+  // Un prénom à particules se range et se cherche sous la même forme.
+  const long dieu = Ajoute("Durand", "Jean-de-Dieu");
+  EXPECT_EQ(Nom("", "Jean-de-Dieu"), std::vector<long>{dieu});
+  EXPECT_EQ(Nom("", "jean-dieu"), std::vector<long>{dieu});
   TGestEltIndex::TRechSimple rs;
   rs.NomConjoint = "Martin (dit Dupont)";
   EXPECT_EQ(Cherche(rs), std::vector<long>{mari});

@@ -8,6 +8,7 @@
 #include "dossier_essai.h"
 #include "rqbase/person/buffer_arb_chrono.h"
 #include "rqbase/dossier/gest_fic.h"
+#include "rqbase/platform/fichier.h"
 
 namespace rqbase {
 namespace {
@@ -273,6 +274,20 @@ TEST_F(CacheTest, ParcoursParBlocsCommeFicheParFiche) {
     }
     return vu;
   };
+  // Un disque qui rend des lectures courtes : le bloc court ne juge pas la fiche demandée, lue
+  // seule comme sans cache (une fiche à moitié venue se lit, sans erreur).
+  {
+    TGestFichier gest(Temp.Prs(), false, false, false, false, 1);
+    TBufferisationArbChrono court(gest.FicPersons(), 8);
+    TFichierBrut::Pannes().LectureCourteApres(0, ".prs");
+    TPerson p(gest.FicPersons());
+    for (long no = 7; no <= 40; ++no) {
+      court.LitPersonne(no, false, p);
+      ASSERT_STREQ(p.Enreg.Nom, ("NOM" + std::to_string(no)).c_str()) << no;
+    }
+    TFichierBrut::Pannes().Raz();
+    EXPECT_FALSE(gest.EnErreur());
+  }
   const std::vector<std::string> direct = parcours(false);
   ASSERT_GE(direct.size(), 121u);
   EXPECT_EQ(direct[118], "NOM119");

@@ -59,7 +59,7 @@ std::string CleNomIndex(std::string_view nom) {
   return Trim(TransformeEnCaractereIndex(n));
 }
 
-std::string ClePrenomCritere(std::string_view prenom) {
+std::string ClePrenomIndex(std::string_view prenom) {
   std::string n = FormatIndex(std::string(prenom));
   if (n.size() > kLongueurCleIndex) n.resize(kLongueurCleIndex);
   return Trim(n);

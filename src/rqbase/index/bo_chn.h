@@ -38,7 +38,9 @@ constexpr size_t kLongueurCleIndex = 20;
 // blancs ôtés. Un critère de nom passe par la même forme, sans quoi un nom de plus de 20
 // caractères qui a un signe ou un blanc avant la coupe ne se retrouverait pas.
 std::string CleNomIndex(std::string_view nom);
-// Un prénom (un seul élément) cherché : FormatIndex, coupé à 20 caractères, blancs ôtés.
-std::string ClePrenomCritere(std::string_view prenom);
+// Un prénom (un seul élément) tel qu'une ligne de l'index le garde et qu'un critère le
+// cherche : FormatIndex (sans particule, capitales nues, nettoyé), coupé à 20 caractères,
+// blancs ôtés.
+std::string ClePrenomIndex(std::string_view prenom);
 
 }  // namespace rqbase

@@ -516,13 +516,11 @@ std::vector<TEnregIndex> TFicIndexPerson::LignesDePersonne(TPerson& p, short ann
     strSoundex(t.Texte.c_str(), t.Soundex);
     noms.push_back(t);
   }
-  // Les prénoms, rendus pour l'index (capitales nues, caractères d'index), puis chacun coupé
-  // à 20 et débarrassé de ses blancs.
+  // Les prénoms, chacun rendu pour l'index (sans particule, capitales nues, caractères
+  // d'index), coupé à 20 et débarrassé de ses blancs : la forme même d'un prénom cherché.
   const std::string prenomsFiche(p.Enreg.Prenoms, strnlen(p.Enreg.Prenoms, sizeof p.Enreg.Prenoms));
-  const std::string rendu = rqbase::TransformeEnCaractereIndex(UpperANSIChaineAS(prenomsFiche, 2));
-  for (std::string_view brut : DecoupeElts(rendu, ' ')) {
-    std::string n(brut.substr(0, 20));
-    n = Trim(n);
+  for (std::string_view brut : DecoupeElts(prenomsFiche, ' ')) {
+    const std::string n = ClePrenomIndex(brut);
     if (n.empty()) continue;
     TTexte t{n, {}};
     strSoundex(t.Texte.c_str(), t.Soundex);

@@ -1,6 +1,7 @@
 #include "rqbase/index/noms_equivalents.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "rqbase/index/bo_chn.h"
 #include "rqbase/platform/fichier.h"
@@ -17,7 +18,7 @@ TTabNomEquiv::TTabNomEquiv(const std::string& fichierNoms, const std::string& fi
 }
 
 std::string TTabNomEquiv::Cle(const std::string& nom, TGenre genre) {
-  return genre == TGenre::Noms ? CleNomIndex(nom) : ClePrenomCritere(nom);
+  return genre == TGenre::Noms ? CleNomIndex(nom) : ClePrenomIndex(nom);
 }
 
 TTabNomEquiv::TGroupe TTabNomEquiv::Normalise(const std::vector<std::string>& noms, TGenre genre) {
@@ -45,14 +46,29 @@ void TTabNomEquiv::Lit(TGenre genre) {
   TTable& t = Table(genre);
   if (t.Fichier.empty()) return;
   auto f = TFichierBrut::Ouvre(t.Fichier, TFichierBrut::TAcces::Lecture, TFichierBrut::TDisposition::Ouvre, false);
-  if (!f) return;  // absent (ou pas un fichier ordinaire) : aucune équivalence
+  if (!f) {
+    // Absent : aucune équivalence, et un ajout créera le fichier. Là mais illisible (droits,
+    // lien, pas un fichier ordinaire, erreur du disque) : il n'est jamais remplacé.
+    if (TFichierBrut::DerniereErreur() != ENOENT) {
+      Avertissements.push_back(t.Fichier + " : illisible, il ne sera pas réécrit");
+      t.Tronque = true;
+    }
+    return;
+  }
   const int64_t taille = f->Taille();
-  if (taille <= 0) return;
+  if (taille < 0) {
+    Avertissements.push_back(t.Fichier + " : illisible, il ne sera pas réécrit");
+    t.Tronque = true;
+    return;
+  }
+  if (taille == 0) return;
   std::string texte(std::min<size_t>(size_t(taille), kTailleMax), '\0');
   const int64_t lus = f->LitA(0, texte.data(), texte.size());
-  if (lus < 0) {
-    Avertissements.push_back(t.Fichier + " : illisible");
-    return;
+  if (lus < int64_t(texte.size())) {
+    // Lu en partie ou pas du tout : ce qui est venu compte, mais le fichier n'est pas réécrit.
+    Avertissements.push_back(t.Fichier + " : illisible, il ne sera pas réécrit");
+    t.Tronque = true;
+    if (lus <= 0) return;
   }
   texte.resize(size_t(lus));
   if (size_t(taille) > kTailleMax) {
@@ -102,6 +118,9 @@ bool TTabNomEquiv::AjouteGroupe(const std::vector<std::string>& noms, TGenre gen
   for (const std::string& g : groupe.Graphies)
     if (g.find_first_of("\r\n;") != std::string::npos) return false;
   if (groupe.Graphies.front()[0] == '#') return false;
+  size_t longueur = groupe.Graphies.size() - 1;  // les ';'
+  for (const std::string& g : groupe.Graphies) longueur += g.size();
+  if (longueur > kLigneMax) return false;  // la ligne écrite serait passée à la relecture
   ++Table(genre).Ajoutes;
   Range(genre, std::move(groupe));
   return true;

@@ -4,7 +4,7 @@
 // qui les demande cherche chaque graphie du groupe. Chaque fichier est un texte Windows-1252,
 // un groupe par ligne, les graphies séparées par ';' ; une ligne vide ou qui commence par '#'
 // ne compte pas. Les graphies sont gardées telles que tapées (blancs autour ôtés) et comparées
-// sous leur forme d'index (CleNomIndex, ClePrenomCritere : 20 caractères au plus) : ni casse,
+// sous leur forme d'index (CleNomIndex, ClePrenomIndex : 20 caractères au plus) : ni casse,
 // ni accent, ni particule n'y comptent ; deux graphies de même forme n'en font qu'une. Une graphie peut tenir dans plusieurs groupes : ses
 // équivalents sont alors ceux de tous ses groupes.
 //
@@ -34,14 +34,15 @@ class TTabNomEquiv {
   std::vector<std::string> GetNomEquiv(const std::string& nom, TGenre genre = TGenre::Noms) const;
 
   // Ajoute un groupe (au moins deux graphies distinctes une fois mises en forme d'index, sans
-  // ';' ni fin de ligne, la première sans '#' en tête) ; false sinon, et rien ne change.
+  // ';' ni fin de ligne, la première sans '#' en tête, une ligne d'au plus kLigneMax octets) ;
+  // false sinon, et rien ne change.
   bool AjouteGroupe(const std::vector<std::string>& noms, TGenre genre);
   // Les groupes, graphies telles que tapées.
   const std::vector<std::vector<std::string>>& Groupes(TGenre genre) const { return Table(genre).Groupes; }
 
   // Écrit les groupes ajoutés à la suite du texte lu, gardé tel quel (commentaires, lignes
-  // passées) ; false si l'écriture a échoué (l'ancien fichier reste) ou si le fichier n'a été
-  // lu qu'en partie.
+  // passées) ; false si l'écriture a échoué (l'ancien fichier reste), ou si le fichier est là
+  // mais n'a été lu qu'en partie ou pas du tout.
   bool Sauvegarde(TGenre genre);
 
   // Les lignes passées à la lecture : "<fichier>, ligne <n> : <raison>".
@@ -59,7 +60,7 @@ class TTabNomEquiv {
     std::vector<std::vector<std::string>> Cles;     // leurs formes d'index, dans le même ordre
     std::unordered_map<std::string, std::vector<size_t>> ParCle;  // forme d'index -> groupes
     std::string Texte;     // le fichier tel que lu
-    bool Tronque = false;  // lu en partie seulement
+    bool Tronque = false;  // là, mais lu en partie seulement (ou pas du tout)
     size_t Ajoutes = 0;    // les derniers groupes, ajoutés depuis la lecture
   };
   struct TGroupe {
@@ -69,7 +70,7 @@ class TTabNomEquiv {
   const TTable& Table(TGenre genre) const { return Tables[static_cast<int>(genre)]; }
   void Lit(TGenre genre);
   // La forme d'une graphie : celle des lignes de l'index pour un nom (CleNomIndex), celle d'un
-  // critère pour un prénom (ClePrenomCritere).
+  // critère pour un prénom (ClePrenomIndex).
   static std::string Cle(const std::string& nom, TGenre genre);
   // Le groupe, sans deux graphies de même forme ; moins de deux formes : vide.
   static TGroupe Normalise(const std::vector<std::string>& noms, TGenre genre);

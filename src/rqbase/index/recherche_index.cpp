@@ -104,7 +104,7 @@ std::string FormatCritere(const std::string& critere) {
 // celui des lignes des personnes dont le nom n'a rien gardé d'autre.
 std::string FormeCritere(const std::string& critere, bool nom) {
   if (critere.find('*') != std::string::npos) return FormatCritere(critere);
-  std::string forme = nom ? CleNomIndex(critere) : ClePrenomCritere(critere);
+  std::string forme = nom ? CleNomIndex(critere) : ClePrenomIndex(critere);
   if (forme.empty() && !Trim(critere).empty()) forme = nom ? kSansNom : kSansPrenom;
   return forme;
 }

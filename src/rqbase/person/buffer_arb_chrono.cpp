@@ -167,12 +167,16 @@ bool TBufferisationArbChrono::LitBrut(long no, TEntree& e) {
     }
     Bloc.resize(size_t(kBloc));
     BlocDebut = no;
-    BlocOctets = Fic->LitEnregs(no, BlocNombre, Bloc.data());
+    const int64_t octets = Fic->LitEnregs(no, BlocNombre, Bloc.data());
     BlocEcritures = Fic->NbEcritures();
+    // Un bloc venu court (fin du fichier, erreur du disque plus loin) ne juge pas la fiche
+    // demandée : elle est lue seule, comme sans lecture anticipée, et le bloc n'est pas gardé.
+    if (octets < int64_t(BlocNombre) * int64_t(sizeof(TPerson::TEnreg))) {
+      BlocNombre = 0;
+      return TPerson::LitBrut(Fic, no, e.Brut, e.Ext);
+    }
   }
-  const long k = no - BlocDebut;
-  const bool venu = BlocOctets > int64_t(k) * int64_t(sizeof(TPerson::TEnreg));
-  return TPerson::LitBrutDeja(Fic, no, venu ? &Bloc[size_t(k)] : nullptr, e.Brut, e.Ext);
+  return TPerson::LitBrutDeja(Fic, no, &Bloc[size_t(no - BlocDebut)], e.Brut, e.Ext);
 }
 
 void TBufferisationArbChrono::Libere(TEntree& e) {

@@ -112,12 +112,11 @@ class TBufferisationArbChrono : public TCachePersonnes {
   // la suite (déjà un tas) devient le tas.
   bool TasTrie = true;
   size_t DebutTas = 0;
-  // La lecture anticipée : les enregistrements BlocDebut.. lus d'un appel (BlocOctets venus),
-  // valables tant que le fichier compte BlocEcritures écritures.
+  // La lecture anticipée : les BlocNombre enregistrements à partir de BlocDebut, lus entiers
+  // d'un appel, valables tant que le fichier compte BlocEcritures écritures.
   static constexpr long kBloc = 64;
   std::vector<TPerson::TEnreg> Bloc;
   long BlocDebut = 0, BlocNombre = 0;
-  int64_t BlocOctets = 0;
   uint64_t BlocEcritures = 0;
   long Precedent = 0;  // le dernier numéro lu du disque
 };
