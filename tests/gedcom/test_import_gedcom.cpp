@@ -172,6 +172,9 @@ TEST_F(ImportGedcomTest, AllerRetourDonneLeMemeDossier) {
   EXPECT_EQ(re.Familles, 3);
   EXPECT_EQ(re.SansBalise, 0);
   EXPECT_THAT(ged, HasSubstr("1 CHAR UTF-8\n"));
+  // L'auteur que 5.5.1 demande à l'en-tête ; relu, il n'est pas dit (il est de l'en-tête).
+  EXPECT_THAT(ged, HasSubstr("0 HEAD\n1 SOUR RQBASE\n2 NAME rqbase\n1 SUBM @U1@\n"));
+  EXPECT_THAT(ged, HasSubstr("0 @U1@ SUBM\n1 NAME rqbase\n0 TRLR\n"));
   EXPECT_THAT(ged, HasSubstr("0 @I3@ INDI\n1 NAME Jean \"Baptiste\" /Lef\xC3\xA8vre/\n"));  // UTF-8
   // La personne citée dans un événement s'écrit sous une balise propre : GEDCOM 5.5.1 n'a pas
   // d'ASSO sous un événement.

@@ -382,6 +382,7 @@ std::string TExport::Lance() {
   W.Ligne(0, "HEAD");
   W.Ligne(1, "SOUR", "RQBASE");
   W.Ligne(2, "NAME", "rqbase");
+  W.Renvoi(1, "SUBM", 'U', 1);  // l'auteur du fichier, que 5.5.1 demande à l'en-tête
   W.Ligne(1, "GEDC");
   W.Ligne(2, "VERS", "5.5.1");
   W.Ligne(2, "FORM", "LINEAGE-LINKED");
@@ -396,6 +397,8 @@ std::string TExport::Lance() {
     if (no % 1000 == 0) Prog.Position(no);
   }
   for (size_t i = 0; i < Fams.size(); ++i) Famille(long(i + 1), Fams[i]);
+  W.Ligne(0, "SUBM", {}, "U1");
+  W.Ligne(1, "NAME", "rqbase");
   W.Ligne(0, "TRLR");
   return VersUtf8(W.Texte);
 }

@@ -156,6 +156,7 @@ class TImport {
   std::vector<TAnneesIndex> Annees;  // par personne du fichier
   long Base = 0;
   std::string FormeLieux;  // la PLAC FORM de l'en-tête, vide sans elle
+  std::string AuteurEnTete;  // le renvoi SUBM de l'en-tête, vide sans lui
 };
 
 int32_t TImport::Personne(uint32_t i, std::string_view valeur) {
@@ -906,11 +907,14 @@ void TImport::Lance() {
       Fams.emplace_back();
       Fams.back().Ligne = i;
     } else if (tag == "HEAD") {
+      AuteurEnTete = std::string(TArbreGedcom::Pointeur(A.ValeurEnfant(i, "SUBM")));
       const int64_t gedc = A.Enfant(i, "GEDC");
       if (gedc >= 0) R.Version = std::string(A.ValeurEnfant(uint32_t(gedc), "VERS"));
       if (const int64_t plac = A.Enfant(i, "PLAC"); plac >= 0) FormeLieux = std::string(A.ValeurEnfant(uint32_t(plac), "FORM"));
     } else if (tag == "TRLR" || tag == "SOUR" || tag == "OBJE" || tag == "NOTE" || tag == "SNOTE") {
       // La fin, et les enregistrements lus par renvoi.
+    } else if (tag == "SUBM" && !AuteurEnTete.empty() && A.Xref(i) == AuteurEnTete) {
+      // L'auteur que l'en-tête désigne fait partie de l'en-tête, dont rien n'est dit.
     } else {
       AvertitTout(i, tag == "REPO" || tag == "SUBM" || tag == "SUBN"
                          ? "dépôt ou auteur du fichier : non importé"
