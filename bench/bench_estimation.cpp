@@ -30,13 +30,8 @@ struct TFamille {
 };
 
 void Evenement(TGestFichier& gest, long no, const char* libelle, int annee, long conjoint = 0) {
-  TPerson p(gest.FicPersons(), no, true);
-  TEvenement e(gest.ModuleBDD());
-  e.Enreg.SetLibelle(libelle);
-  e.Enreg.Date = TDateRQ(annee, "15/06/");
-  e.Enreg.NoPersA = no;
-  e.Enreg.NoPersB = conjoint;
-  p.AjoutEven(&e, true, conjoint != 0, true);
+  essai::AjouteFait(gest.FicPersons(), gest.ModuleBDD(), no,
+                    {.Libelle = libelle, .Date = "15/06/" + std::to_string(annee), .Conjoint = conjoint});
 }
 
 TFamille& Famille() {

@@ -29,13 +29,7 @@ struct TFamille {
 };
 
 void Evenement(TGestFichier& gest, long no, const char* libelle, const std::string& date, long conjoint) {
-  TPerson p(gest.FicPersons(), no, true);
-  TEvenement e(gest.ModuleBDD());
-  e.Enreg.SetLibelle(libelle);
-  e.Enreg.Date = TDateRQ('G', date);
-  e.Enreg.NoPersA = no;
-  e.Enreg.NoPersB = conjoint;
-  p.AjoutEven(&e, true, conjoint != 0, true);
+  essai::AjouteFait(gest.FicPersons(), gest.ModuleBDD(), no, {.Libelle = libelle, .Date = date, .Conjoint = conjoint});
 }
 
 TFamille& Famille() {

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "dossier_essai.h"
+#include "personne_essai.h"
 #include "rqbase/dossier/gest_fic.h"
 #include "rqbase/index/index_personnes.h"
 #include "rqbase/index/noms_equivalents.h"
@@ -343,13 +344,7 @@ TEST_F(RechercheTest, ListesDeValeursDesFaits) {
   const long lyon = Gest->FicLie()->Cherche(&lyonElt, true);
   Gest->FicLie()->Cherche(&vienneElt, true);  // un lieu qu'aucun fait ne désigne
   auto fait = [&](long no, const char* libelle, long lieu, const char* donnee) {
-    TPerson p(Fic, no, true);
-    TEvenement e(Gest->ModuleBDD());
-    e.Enreg.SetLibelle(libelle);
-    e.Enreg.Lieu = lieu;
-    e.Enreg.SetDonnee(donnee);
-    e.Enreg.NoPersA = no;
-    ASSERT_TRUE(p.AjoutEven(&e, true, false, true));
+    ASSERT_NE(essai::AjouteFait(Fic, Gest->ModuleBDD(), no, {.Libelle = libelle, .Donnee = donnee, .Lieu = lieu}), 0);
   };
   fait(martin, "NAISSANCE", lyon, "");
   fait(durand, "DECES", lyon, "");
@@ -457,13 +452,7 @@ TEST_F(RechercheTest, LignesDUnePersonneParSonNumero) {
 TEST_F(RechercheTest, CritereDeFaitSurEvenementsEtChampsSimples) {
   const long jean = Ajoute("Martin", "Jean"), paul = Ajoute("Martin", "Paul"), luc = Ajoute("Martin", "Luc");
   auto fait = [&](long no, const char* libelle, const char* date, const char* donnee) {
-    TPerson p(Fic, no, true);
-    TEvenement e(Gest->ModuleBDD());
-    e.Enreg.SetLibelle(libelle);
-    e.Enreg.Date = TDateRQ('G', date);
-    e.Enreg.SetDonnee(donnee);
-    e.Enreg.NoPersA = no;
-    ASSERT_TRUE(p.AjoutEven(&e, true, false, true));
+    ASSERT_NE(essai::AjouteFait(Fic, Gest->ModuleBDD(), no, {.Libelle = libelle, .Date = date, .Donnee = donnee}), 0);
   };
   fait(jean, "NAISSANCE", "12/05/1850", "");
   fait(paul, "NAISSANCE", "1870/1880", "");

@@ -114,15 +114,10 @@ class EstimationTest : public testing::Test {
   long Ajoute(const char* nom, char sexe = 'M') { return essai::AjoutePersonne(Fic, nom, sexe); }
   // Un événement avecDate ; `acte` "<", ">", "ca"... ; `conjoint` en fait un événement de couple.
   long Even(long no, const char* libelle, const char* date, long conjoint = 0, const char* acte = "") {
-    TPerson p(Fic, no, true);
-    TEvenement e(Gest->ModuleBDD());
-    e.Enreg.SetLibelle(libelle);
-    if (*date) e.Enreg.Date = TDateRQ('G', date);
-    e.Enreg.Date.SetActe(acte);
-    e.Enreg.NoPersA = no;
-    e.Enreg.NoPersB = conjoint;
-    EXPECT_TRUE(p.AjoutEven(&e, true, conjoint != 0, true));
-    return e.Enreg.No;
+    const long n = essai::AjouteFait(Fic, Gest->ModuleBDD(), no,
+                                     {.Libelle = libelle, .Date = date, .Conjoint = conjoint, .Acte = acte});
+    EXPECT_NE(n, 0);
+    return n;
   }
   void Parent(long parent, long enfant, bool pere = true) { ASSERT_TRUE(LieParent(*Fic, parent, enfant, pere)); }
   TEstimationPersonne Estime(long no, bool utilisateur = false, bool avecMoyen = false,

@@ -62,13 +62,7 @@ class LiensTest : public testing::Test {
   }
   // Un événement daté (date vide : sans date), d'un couple si `conjoint`.
   void Evenement(long no, const char* libelle, const char* date, long conjoint = 0) {
-    TPerson p(Fic, no, true);
-    TEvenement e(Bdd);
-    e.Enreg.SetLibelle(libelle);
-    if (*date) e.Enreg.Date = TDateRQ('G', date);
-    e.Enreg.NoPersA = no;
-    e.Enreg.NoPersB = conjoint;
-    ASSERT_TRUE(p.AjoutEven(&e, true, conjoint != 0, true));
+    ASSERT_NE(essai::AjouteFait(Fic, Bdd, no, {.Libelle = libelle, .Date = date, .Conjoint = conjoint}), 0);
   }
   std::vector<long> EnfantsDe(long no) {
     std::vector<long> v;
