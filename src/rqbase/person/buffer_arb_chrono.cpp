@@ -176,7 +176,7 @@ bool TBufferisationArbChrono::LitBrut(long no, TEntree& e) {
       return TPerson::LitBrut(Fic, no, e.Brut, e.Ext);
     }
   }
-  return TPerson::LitBrutDeja(Fic, no, &Bloc[size_t(no - BlocDebut)], e.Brut, e.Ext);
+  return TPerson::LitBrutDeja(Fic, no, Bloc[size_t(no - BlocDebut)], e.Brut, e.Ext);
 }
 
 void TBufferisationArbChrono::Libere(TEntree& e) {

@@ -141,14 +141,14 @@ bool TPerson::LitBrut(TFicPersons* fic, long no, TEnreg& brut, std::unique_ptr<T
   return SuiteLitBrut(fic->Gest(), fic->LitEnreg(no, brut), brut, ext);
 }
 
-bool TPerson::LitBrutDeja(TFicPersons* fic, long no, const TEnreg* lu, TEnreg& brut,
+bool TPerson::LitBrutDeja(TFicPersons* fic, long no, const TEnreg& lu, TEnreg& brut,
                           std::unique_ptr<TExtPerson::TEnreg>& ext) {
   ext.reset();
   if (!PeutLireBrut(fic, no)) return false;
-  // Ce que LitEnreg ferait de ces octets-là : zéro octet venu est un échec.
-  brut = lu ? *lu : TEnreg{};
-  fic->Gest()->FixeErreur(!lu);
-  return SuiteLitBrut(fic->Gest(), lu != nullptr, brut, ext);
+  // Ce que LitEnreg ferait d'une fiche venue entière.
+  brut = lu;
+  fic->Gest()->FixeErreur(false);
+  return SuiteLitBrut(fic->Gest(), true, brut, ext);
 }
 
 bool TPerson::PeutLireBrut(TFicPersons* fic, long no) {

@@ -131,9 +131,9 @@ class TPerson {
   // n'y a rien à lire (numéro 0 ou hors du fichier, dossier en erreur, lecture ratée) ;
   // AppliqueBrut rend false pour un enregistrement foireux (lu comme une fiche supprimée vide).
   static bool LitBrut(TFicPersons* fic, long no, TEnreg& brut, std::unique_ptr<TExtPerson::TEnreg>& ext);
-  // Comme LitBrut, l'enregistrement venant d'une lecture groupée faite avant (`lu` : ses
-  // octets, nul si aucun n'est venu) : mêmes refus, même drapeau d'erreur du dossier.
-  static bool LitBrutDeja(TFicPersons* fic, long no, const TEnreg* lu, TEnreg& brut,
+  // Comme LitBrut, l'enregistrement venu entier d'une lecture groupée faite avant : mêmes
+  // refus, même drapeau d'erreur du dossier.
+  static bool LitBrutDeja(TFicPersons* fic, long no, const TEnreg& lu, TEnreg& brut,
                           std::unique_ptr<TExtPerson::TEnreg>& ext);
   bool AppliqueBrut(long no, const TEnreg& brut, const TExtPerson::TEnreg* ext);
   // Une fiche vide du numéro `no`, sans rappels : ce que donne un enregistrement illisible.
